@@ -1,0 +1,197 @@
+#include "app/MainWindow.h"
+
+#include "app/MessageBoxes.h"
+#include "naming/OutputPath.h"
+#include "platform/UserSettings.h"
+#include "tags/FilePath.h"
+#include "ui_MainWindow.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMediaPlayer>
+#include <QMenu>
+#include <QPalette>
+#include <QStyleFactory>
+
+MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_unique<Ui_MainWindow>()), worker(nullptr)
+{
+    ChangeTheme();
+    ui->setupUi(this);
+    listMenu = new QMenu(this);
+    addMenu = new QMenu(this);
+    removeMenu = new QMenu(this);
+    Init();
+}
+
+MainWindow::~MainWindow()
+{
+    worker.requestInterruption();
+    worker.wait();
+    DiscardPlayer();
+}
+
+void MainWindow::ChangeTheme()
+{
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+
+    const QColor accent(0x07, 0xD3, 0x3A);
+    const QColor dark(0x42, 0x42, 0x42);
+    // The garish colours are our decision: whatever shows them uses a role that this theme does not.
+    const std::pair<QPalette::ColorRole, QColor> colors[] = {
+        {QPalette::Window, dark},
+        {QPalette::WindowText, Qt::white},
+        {QPalette::Base, {0x21, 0x21, 0x21}},
+        {QPalette::AlternateBase, Qt::yellow},
+        {QPalette::ToolTipBase, Qt::white},
+        {QPalette::ToolTipText, Qt::white},
+        {QPalette::Text, Qt::white},
+        {QPalette::Button, dark},
+        {QPalette::ButtonText, Qt::white},
+        {QPalette::BrightText, Qt::magenta},
+        {QPalette::Light, dark},
+        {QPalette::Midlight, Qt::red},
+        {QPalette::Dark, Qt::gray},
+        {QPalette::Mid, Qt::red},
+        {QPalette::Shadow, Qt::red},
+        {QPalette::Highlight, accent},
+        {QPalette::HighlightedText, Qt::black},
+        {QPalette::Link, accent},
+        {QPalette::LinkVisited, accent},
+    };
+    QPalette palette;
+    for (const auto& [role, color] : colors)
+        palette.setBrush(QPalette::All, role, color);
+    QApplication::setPalette(palette);
+
+    qApp->setStyleSheet(
+        QStringLiteral("QToolTip { color: #FFFFFF; background-color: #26A3E2; border: 1px solid white; }"
+                       "QLineEdit:!enabled { background-color: #424242; }"
+                       "QPushButton:!enabled { background-color: #505050; color: #999999; }"
+                       "QSpinBox:!enabled { background-color: #424242; }"
+                       "QMenu { background-color: #313131; }"
+                       "QMenu::item:!enabled { color: #999999; }"
+                       "QMenu::item:selected { color: #FFFFFF; background-color: #07D33A; }"
+                       "QMenu::item:selected:!enabled { color: #000000; }"
+                       "QMenu::separator { }"));
+}
+
+void MainWindow::Init()
+{
+    connect(&worker, &ProcessThread::finished, this, &MainWindow::ProcessThreadFinished);
+    connect(&worker, &ProcessThread::ShowEditTagDialog, this, &MainWindow::ShowDialogEditTag);
+    connect(&worker, &ProcessThread::SetProgress, this, &MainWindow::UpdateProgress);
+    connect(ui->listAudioFiles, &QWidget::customContextMenuRequested, this, &MainWindow::OnListAudioFilesRightClick);
+
+    extensions = AudioExtensions();
+    resize(780, 560);
+    setAcceptDrops(true);
+    for (QWidget* hidden : std::initializer_list<QWidget*>{ui->groupAudioPlayer, ui->buttonPlay, ui->buttonStop})
+        hidden->hide();
+    ui->buttonAdd->setStyleSheet(QStringLiteral("Text-align:left; padding:7px 0px 9px 18px;"));
+    FillCombos();
+    ResetInterface();
+    CreatePopupMenus();
+}
+
+void MainWindow::FillCombos()
+{
+    ui->comboOrganizeBy->clear();
+    for (const SOrganizeChoice& choice : organizeChoices)
+        ui->comboOrganizeBy->addItem(QLatin1String(choice.label));
+    ui->comboRename->clear();
+    for (const SRenameChoice& choice : renameChoices)
+        ui->comboRename->addItem(QLatin1String(choice.label));
+}
+
+void MainWindow::CreatePopupMenus()
+{
+    addMenu->addAction(tr("File(s)"), this, &MainWindow::OnAddFiles);
+    addMenu->addAction(tr("Folder"), this, &MainWindow::OnAddFolder);
+    addMenu->addAction(tr("Folder with Subfolders"), this, &MainWindow::OnAddFolderWithSubfolders);
+    addMenu->addAction(tr("Search"), this, &MainWindow::OnSearch);
+
+    removeMenu->addAction(tr("Selected"), this, &MainWindow::OnRemoveSelected);
+    removeMenu->addAction(tr("All"), this, &MainWindow::OnRemoveAll);
+
+    listMenu->addAction(tr("Edit Tags"), this, &MainWindow::OnEditTags);
+    listMenu->addAction(tr("Batch Edit Tags"), this, &MainWindow::OnBatchEditTags);
+    listMenu->addSeparator();
+    listMenu->addAction(tr("Remove"), this, &MainWindow::OnRemoveFile);
+}
+
+/// Puts every setting into its default state; the file list, the current row and the title stay.
+void MainWindow::ResetInterface()
+{
+    settings = SRunSettings();
+    settings.outputFolder = StoredFolder(SettingsKey::outputFolder);
+    ui->comboOrganizeBy->setCurrentIndex(settings.organizeBy);
+    ui->comboRename->setCurrentIndex(settings.renameIndex);
+    ui->checkSkipOrganize->setChecked(settings.skipOrganize);
+    ui->radioFixAuto->setChecked(!settings.fixManually);
+    ui->radioFixMan->setChecked(settings.fixManually);
+    ui->checkOnlyEditInvalid->setChecked(settings.onlyEditInvalid);
+    ui->checkOnlyEditInvalid->setEnabled(settings.fixManually);
+    ui->checkDeleteOriginal->setChecked(settings.deleteOriginal);
+    ui->editOutputFolder->setText(settings.outputFolder);
+    ui->progressOrganize->setValue(0);
+    ui->progressOrganize->setEnabled(false);
+    ClearPreviews();
+}
+
+/// Shows the settings in their widgets, each with the effects of the user's own change.
+void MainWindow::RefreshInterface()
+{
+    ui->comboOrganizeBy->setCurrentIndex(settings.organizeBy);
+    UpdateOutputPreview();
+    SignalSettingsChanged();
+
+    ui->comboRename->setCurrentIndex(settings.renameIndex);
+    if (settings.renameIndex != customRenameIndex)
+        on_comboRename_activated(settings.renameIndex);
+    else
+        UpdateOutputPreview(); // without asking for the scheme again
+
+    ui->checkSkipOrganize->setChecked(settings.skipOrganize);
+    on_checkSkipOrganize_clicked(settings.skipOrganize);
+
+    ui->radioFixAuto->setChecked(!settings.fixManually);
+    ui->radioFixMan->setChecked(settings.fixManually);
+    ui->checkOnlyEditInvalid->setEnabled(settings.fixManually);
+    SignalSettingsChanged();
+
+    ui->checkOnlyEditInvalid->setChecked(settings.onlyEditInvalid);
+    SignalSettingsChanged();
+
+    ui->editOutputFolder->setText(settings.outputFolder);
+    on_editOutputFolder_textEdited(settings.outputFolder);
+
+    ui->checkDeleteOriginal->setChecked(settings.deleteOriginal);
+    SignalSettingsChanged();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    event->ignore();
+    on_actionExit_triggered();
+}
+
+void MainWindow::on_actionExit_triggered()
+{
+    if (unsavedChanges) {
+        const auto answer = Ask(tr("You have unsaved changes. Do you want to save your settings?"),
+                                QMessageBox::No | QMessageBox::Cancel);
+        if (answer != QMessageBox::Yes && answer != QMessageBox::No)
+            return;
+        if (answer == QMessageBox::Yes)
+            on_actionSave_Profile_triggered(); // we leave even if that did not save
+    }
+    Quit();
+}
+
+/// Ends the program from any state: loops on this thread see the flag, the worker stops between two files.
+void MainWindow::Quit()
+{
+    quitting = true;
+    worker.requestInterruption();
+    QCoreApplication::quit();
+}

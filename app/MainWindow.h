@@ -1,0 +1,142 @@
+#pragma once
+
+#include "app/AudioFileList.h"
+#include "naming/SRunSettings.h"
+#include "processing/ProcessThread.h"
+#include "tags/TagManager.h"
+
+#include <QMainWindow>
+#include <QStringList>
+
+#include <memory>
+
+class QListWidgetItem;
+class QMediaPlayer;
+class QMenu;
+class Ui_MainWindow;
+
+/// The one window: it owns the file list, the settings, the profile's state and the worker. Its implementation is
+/// split by subsystem into the files MainWindow*.cpp, in the order of the slots below.
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget* parent);
+    /// Stops a run between two files and waits for that.
+    ~MainWindow() override;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private slots:
+    // Frame
+    void on_actionExit_triggered();
+
+    // File list
+    void on_buttonAdd_clicked();
+    void on_buttonRemove_clicked();
+    void on_listAudioFiles_itemPressed(QListWidgetItem* item);
+    void OnListAudioFilesRightClick();
+    void OnAddFiles();
+    void OnAddFolder();
+    void OnAddFolderWithSubfolders();
+    void OnSearch();
+    void OnRemoveFile();
+    void OnRemoveSelected();
+    void OnRemoveAll();
+
+    // Settings
+    void on_comboOrganizeBy_activated(int index);
+    void on_comboRename_activated(int index);
+    void on_checkSkipOrganize_clicked(bool checked);
+    void on_radioFixAuto_clicked();
+    void on_radioFixMan_clicked();
+    void on_checkOnlyEditInvalid_clicked(bool checked);
+    void on_checkDeleteOriginal_clicked(bool checked);
+    void on_editOutputFolder_textEdited(const QString& text);
+    void on_buttonBrowseOutFold_clicked();
+
+    // Processing
+    void on_buttonOrganize_clicked();
+    void UpdateProgress(int handled);
+    void ProcessThreadFinished();
+
+    // Tag editing
+    void OnEditTags();
+    void OnBatchEditTags();
+    void ShowDialogEditTag();
+
+    // Profiles
+    void on_actionNew_triggered();
+    void on_actionSave_Profile_triggered();
+    void on_actionSave_Profile_As_triggered();
+    void on_actionLoad_Profile_triggered();
+
+    // Preview player
+    void on_buttonPlay_clicked();
+    void on_buttonStop_clicked();
+    void on_listAudioFiles_itemDoubleClicked(QListWidgetItem* item);
+
+    // Help
+    void on_actionShow_Log_triggered();
+    void on_actionOnline_Help_triggered();
+    void on_actionVideo_Tutorial_triggered();
+    void on_actionOnline_Support_triggered();
+    void on_actionVisit_Our_Website_triggered();
+    void on_actionAbout_triggered();
+
+private:
+    class BusyGuard;
+
+    static void ChangeTheme();
+    void Init();
+    void FillCombos();
+    void CreatePopupMenus();
+    void ResetInterface();
+    void RefreshInterface();
+    void Quit();
+
+    void AddFolder(QString folder, bool recursive);
+    void AddFilesToList(const QStringList& files, bool nested);
+    void SynchronizeListAudioFiles(bool showProgress);
+    void SelectRow(int row);
+    bool IsBusy() const;
+    void EnterBusyState(const QString& status);
+    void LeaveBusyState();
+
+    void SignalSettingsChanged();
+    void SetOutputFolder(const QString& folder);
+    void UpdateOutputPreview();
+    QString GenerateCurrentFilename() const;
+    void ClearPreviews();
+
+    void EraseInvalidTags();
+    void StartProcessing();
+    void ReportRun();
+    void ReloadList();
+
+    void WriteRecord(int row, const SAudioFile& file);
+    void RefreshPanel();
+
+    void UpdateAppTitleWithProfile(const QString& name);
+    void DiscardPlayer();
+
+    std::unique_ptr<Ui_MainWindow> ui;
+    AudioFileList audioFiles;
+    TagManager tagManager;
+    ProcessThread worker;
+    std::unique_ptr<QMediaPlayer> player; ///< null until the first Play
+    QMenu* listMenu;
+    QMenu* addMenu;
+    QMenu* removeMenu;
+    QStringList extensions; ///< what may join the list; narrowed during a search
+    SRunSettings settings;
+    int currentRow = -1; ///< the selected file; may lie past the end after a removal, -1 when there is none
+    bool unsavedChanges = false;
+    QString profilePath;   ///< of the profile last saved or loaded; empty when there is none
+    bool loading = false;  ///< a profile is being loaded: changes of settings do not count as the user's
+    bool quitting = false; ///< the user wants to leave: every loop that pumps events ends
+};

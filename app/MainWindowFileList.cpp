@@ -1,0 +1,276 @@
+#include "app/MainWindow.h"
+
+#include "app/MessageBoxes.h"
+#include "app/Percentage.h"
+#include "dialogs/DialogSearch.h"
+#include "platform/UserSettings.h"
+#include "tags/FilePath.h"
+#include "ui_MainWindow.h"
+
+#include <QCoreApplication>
+#include <QCursor>
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenu>
+#include <QMimeData>
+#include <QUrl>
+
+#include <optional>
+
+/// The window is busy filling its list for as long as this lives; of nested ones, the outermost decides.
+class MainWindow::BusyGuard
+{
+public:
+    explicit BusyGuard(MainWindow& busyWindow) : window(busyWindow), outermost(!busyWindow.IsBusy())
+    {
+        window.EnterBusyState(tr("Updating audio file list..."));
+    }
+    ~BusyGuard()
+    {
+        if (outermost)
+            window.LeaveBusyState();
+    }
+    Q_DISABLE_COPY(BusyGuard)
+
+private:
+    MainWindow& window;
+    const bool outermost;
+};
+
+/// Whether files are being added or a run is on.
+bool MainWindow::IsBusy() const
+{
+    return !ui->buttonOrganize->isEnabled();
+}
+
+void MainWindow::EnterBusyState(const QString& status)
+{
+    ui->buttonOrganize->setEnabled(false);
+    ui->listAudioFiles->setEnabled(false);
+    ui->buttonAdd->setEnabled(false);
+    ui->buttonRemove->setEnabled(false);
+    ui->progressOrganize->setEnabled(true);
+    ui->textProgress->setText(status);
+}
+
+void MainWindow::LeaveBusyState()
+{
+    ui->buttonOrganize->setEnabled(true);
+    ui->listAudioFiles->setEnabled(true);
+    ui->buttonAdd->setEnabled(true);
+    ui->buttonRemove->setEnabled(true);
+    ui->progressOrganize->setEnabled(false);
+    ui->progressOrganize->setValue(0);
+    ui->textProgress->clear();
+}
+
+void MainWindow::on_buttonAdd_clicked()
+{
+    addMenu->exec(ui->buttonAdd->mapToGlobal(QPoint(0, ui->buttonAdd->height())));
+}
+
+void MainWindow::on_buttonRemove_clicked()
+{
+    removeMenu->exec(ui->buttonRemove->mapToGlobal(QPoint(0, ui->buttonRemove->height())));
+}
+
+void MainWindow::OnListAudioFilesRightClick()
+{
+    const QPoint cursor = QCursor::pos();
+    if (ui->listAudioFiles->itemAt(ui->listAudioFiles->viewport()->mapFromGlobal(cursor)))
+        listMenu->exec(cursor);
+}
+
+void MainWindow::OnAddFiles()
+{
+    const QString masks = QStringLiteral("*.") + AudioExtensions().join(QStringLiteral(" *."));
+    const QStringList files = QFileDialog::getOpenFileNames(this, tr("Select one or more files to open"),
+                                                            StoredFolder(SettingsKey::addFilesFolder),
+                                                            tr("Multimedia files (%1)").arg(masks));
+    if (files.isEmpty())
+        return;
+    AddFilesToList(files, false);
+    OpenSettings().setValue(SettingsKey::addFilesFolder, FolderOf(files.first()));
+}
+
+void MainWindow::OnAddFolder()
+{
+    const QString folder =
+        QFileDialog::getExistingDirectory(this, tr("Select folder"), StoredFolder(SettingsKey::addFolder));
+    if (folder.isEmpty())
+        return;
+    AddFolder(folder, false);
+    OpenSettings().setValue(SettingsKey::addFolder, folder);
+}
+
+void MainWindow::OnAddFolderWithSubfolders()
+{
+    const QString folder =
+        QFileDialog::getExistingDirectory(this, tr("Select folder"), StoredFolder(SettingsKey::addFolder));
+    if (folder.isEmpty())
+        return;
+    const BusyGuard busy(*this);
+    AddFolder(folder, true);
+    OpenSettings().setValue(SettingsKey::addFolder, folder);
+    SynchronizeListAudioFiles(true);
+}
+
+void MainWindow::OnSearch()
+{
+    DialogSearch dialog(nullptr);
+    if (dialog.exec() != QDialog::Accepted || dialog.searchPath.isEmpty())
+        return;
+    const BusyGuard busy(*this);
+    extensions = QStringList(AudioExtensions().at(dialog.searchMask));
+    AddFolder(dialog.searchPath, dialog.searchSubfolders);
+    extensions = AudioExtensions();
+    SynchronizeListAudioFiles(true);
+}
+
+/// Adds the files of @p folder, smallest first, then those of its subfolders in the same order. A recursive walk is
+/// part of a larger change: its caller keeps the window busy and rebuilds the rows.
+void MainWindow::AddFolder(QString folder, bool recursive)
+{
+    if (folder.isEmpty())
+        return;
+    folder = WithForwardSlashes(folder);
+    if (!folder.endsWith(QLatin1Char('/')))
+        folder += QLatin1Char('/');
+
+    QDir directory(folder);
+    directory.setSorting(QDir::Size | QDir::Reversed);
+    QStringList files;
+    for (const QString& name : directory.entryList(QDir::Files | QDir::Hidden | QDir::NoSymLinks))
+        files += folder + name;
+    AddFilesToList(files, recursive);
+    if (!recursive)
+        return;
+
+    // Links to folders are followed, hidden folders are not entered: our decision.
+    for (const QString& name : directory.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QCoreApplication::processEvents();
+        if (quitting)
+            return;
+        AddFolder(folder + name, true);
+    }
+}
+
+/// Reads and appends those of @p files that are of an accepted type and not listed yet. @p nested: the caller keeps
+/// the window busy and rebuilds the rows.
+void MainWindow::AddFilesToList(const QStringList& files, bool nested)
+{
+    std::optional<BusyGuard> busy;
+    if (!nested)
+        busy.emplace(*this);
+    for (const QString& path : files) {
+        if (quitting)
+            return;
+        if (audioFiles.Contains(path) || !extensions.contains(ExtensionOf(path)))
+            continue;
+        audioFiles.Append(tagManager.ReadFile(path));
+        QCoreApplication::processEvents();
+    }
+    if (!nested)
+        SynchronizeListAudioFiles(true);
+}
+
+/// Rebuilds the rows from the records. The current row stays; no row is selected afterwards.
+void MainWindow::SynchronizeListAudioFiles(bool showProgress)
+{
+    // All rows first, then one turn of the event loop for each: a list lays all its rows out again at the first turn
+    // after each insertion, so that turns in between make the whole quadratic.
+    const QIcon icon(QStringLiteral(":/res/ListIcon.png"));
+    ui->listAudioFiles->clear();
+    for (const SAudioFile& file : audioFiles.Records())
+        ui->listAudioFiles->addItem(new QListWidgetItem(icon, file.Path));
+
+    // Without progress the controls are enabled: the user must not start another change in the middle of this one.
+    const QEventLoop::ProcessEventsFlags events =
+        showProgress ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents;
+    const int count = audioFiles.Count();
+    for (int row = 0; row < count && !quitting; ++row) {
+        if (showProgress)
+            ui->progressOrganize->setValue(Percentage(row, count));
+        QCoreApplication::processEvents(events);
+    }
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    event->accept();
+}
+
+/// Adds dropped folders, always with their subfolders, and after them dropped files.
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    // Whatever the other side proposes, it must not take its files for moved.
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    if (IsBusy())
+        return;
+
+    QStringList files;
+    QStringList folders;
+    for (const QUrl& url : event->mimeData()->urls()) {
+        const QFileInfo info(url.toLocalFile());
+        if (info.isFile())
+            files += info.absoluteFilePath();
+        else if (info.isDir())
+            folders += info.absoluteFilePath();
+    }
+    if (!folders.isEmpty()) {
+        const BusyGuard busy(*this);
+        for (const QString& folder : qAsConst(folders))
+            AddFolder(folder, true);
+        SynchronizeListAudioFiles(true);
+    }
+    if (!files.isEmpty())
+        AddFilesToList(files, false);
+}
+
+void MainWindow::on_listAudioFiles_itemPressed(QListWidgetItem* item)
+{
+    const int row = audioFiles.RowOf(item->text());
+    if (row >= 0)
+        SelectRow(row);
+}
+
+/// Makes @p row, which must exist, the current one and shows its tags and its output path.
+void MainWindow::SelectRow(int row)
+{
+    QStringList lines;
+    for (const STag& tag : allTags)
+        lines += QLatin1String(tag.name) + QStringLiteral(": ") + audioFiles.At(row).*tag.field;
+    ui->textInfo->setText(lines.join(QLatin1Char('\n')));
+    currentRow = row;
+    UpdateOutputPreview();
+}
+
+void MainWindow::OnRemoveFile()
+{
+    OnRemoveSelected();
+}
+
+void MainWindow::OnRemoveSelected()
+{
+    if (currentRow < 0 || !AskYesNo(tr("Are you sure you want to remove the selected file?")))
+        return;
+    // The current row stays: it now designates the file that moved up, or none when the last one went.
+    audioFiles.Remove(currentRow);
+    SynchronizeListAudioFiles(false);
+    ClearPreviews();
+}
+
+void MainWindow::OnRemoveAll()
+{
+    if (audioFiles.IsEmpty() || !AskYesNo(tr("Are you sure you want to remove all the files in the list?")))
+        return;
+    DiscardPlayer();
+    audioFiles.Clear();
+    currentRow = -1;
+    SynchronizeListAudioFiles(false);
+    ClearPreviews();
+}

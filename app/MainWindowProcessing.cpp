@@ -1,0 +1,117 @@
+#include "app/MainWindow.h"
+
+#include "app/MessageBoxes.h"
+#include "app/Percentage.h"
+#include "app/RunLog.h"
+#include "dialogs/DialogSocial.h"
+#include "platform/UserSettings.h"
+#include "tags/FilePath.h"
+#include "tags/TagTextRules.h"
+#include "ui_MainWindow.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+
+void MainWindow::on_buttonOrganize_clicked()
+{
+    if (audioFiles.IsEmpty()) {
+        Warn(QString(), tr("There are no audio files to process."));
+        return;
+    }
+    if (settings.deleteOriginal && !settings.skipOrganize &&
+        !AskYesNo(tr("You have chosen to delete the original files after processing. The files with processing errors "
+                     "will not be deleted. Even so, we advise you to make backup copies of the original files before "
+                     "proceeding. Continue?")))
+        return;
+    DiscardPlayer();
+    EnterBusyState(tr("Erasing invalid tags..."));
+    EraseInvalidTags();
+    if (!quitting)
+        StartProcessing();
+}
+
+/// Empties every tag that carries a web address, in the list and in the files.
+void MainWindow::EraseInvalidTags()
+{
+    for (int row = 0; row < audioFiles.Count(); ++row) {
+        // The window shows what is going on but takes no input meanwhile.
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        if (quitting)
+            return;
+        SAudioFile file = audioFiles.At(row);
+        bool erased = false;
+        for (const STag& tag : allTags) {
+            if (IsInvalidTag(file.*tag.field)) {
+                (file.*tag.field).clear();
+                erased = true;
+            }
+        }
+        if (erased)
+            WriteRecord(row, file);
+    }
+}
+
+void MainWindow::StartProcessing()
+{
+    ui->progressOrganize->setValue(0);
+    ui->textProgress->setText(tr("Processing..."));
+    worker.files = audioFiles.Records();
+    worker.settings = settings;
+    while (worker.settings.outputFolder.endsWith(QLatin1Char('/')))
+        worker.settings.outputFolder.chop(1);
+    worker.start(QThread::InheritPriority);
+}
+
+void MainWindow::UpdateProgress(int handled)
+{
+    ui->progressOrganize->setValue(Percentage(handled, audioFiles.Count()));
+}
+
+void MainWindow::ProcessThreadFinished()
+{
+    if (quitting)
+        return;
+    ReportRun();
+    ReloadList();
+    LeaveBusyState();
+    ClearPreviews();
+    if (!quitting && !OpenSettings().value(SettingsKey::skipSocial, false).toBool())
+        DialogSocial(nullptr).exec();
+}
+
+/// Shows how the run went and appends it to the log. Without a log it says only that.
+void MainWindow::ReportRun()
+{
+    QDir().mkpath(FolderOf(RunLogPath()));
+    QFile log(RunLogPath());
+    if (!log.open(QIODevice::Append | QIODevice::Text)) {
+        Warn(QString(), tr("Could not save log."));
+        return;
+    }
+    QString report = worker.failureText;
+    if (report == failureHeading) {
+        const QString success = tr("Operation finished successfully!");
+        Inform(success);
+        report = success + QLatin1Char('\n');
+    } else {
+        Warn(tr("Log"), report + tr("\nOrvanto could not fix the invalid tags. For better results try to manually edit "
+                                    "the tags or try a different organize/rename pattern."));
+    }
+    log.write(RunLogBlock(QDateTime::currentDateTime(), report));
+}
+
+/// Lists the files that the worker has left, with their tags as they are on disk now.
+void MainWindow::ReloadList()
+{
+    ui->textProgress->setText(tr("Updating audio file list..."));
+    ui->progressOrganize->setValue(0);
+    audioFiles.Clear();
+    for (const SAudioFile& file : qAsConst(worker.files)) {
+        audioFiles.Append(tagManager.ReadFile(file.Path));
+        QCoreApplication::processEvents();
+        if (quitting)
+            return;
+    }
+    SynchronizeListAudioFiles(true);
+}

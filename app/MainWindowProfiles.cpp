@@ -1,0 +1,91 @@
+#include "app/MainWindow.h"
+
+#include "app/MessageBoxes.h"
+#include "app/ProfileFile.h"
+#include "platform/UserSettings.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+
+namespace
+{
+/// Where the profile dialogs start; made when it is missing.
+QString ProfileFolder()
+{
+    const QString folder = DocumentsFolder() + QStringLiteral("/Profiles");
+    QDir().mkpath(folder);
+    return folder;
+}
+
+QString ProfileFilter()
+{
+    return MainWindow::tr("Orvanto Profile (*.ovp)");
+}
+} // namespace
+
+void MainWindow::UpdateAppTitleWithProfile(const QString& name)
+{
+    setWindowTitle(QStringLiteral("Orvanto - ") + name);
+    unsavedChanges = false;
+}
+
+void MainWindow::on_actionNew_triggered()
+{
+    const bool nothingToLose = !unsavedChanges && audioFiles.IsEmpty() && profilePath.isEmpty();
+    if (!nothingToLose && !AskYesNo(tr("This will overwrite your current settings. Continue?")))
+        return;
+    ResetInterface();
+    RefreshInterface();
+    setWindowTitle(QStringLiteral("Orvanto"));
+    unsavedChanges = false;
+    profilePath.clear();
+}
+
+void MainWindow::on_actionSave_Profile_triggered()
+{
+    if (profilePath.isEmpty()) {
+        on_actionSave_Profile_As_triggered();
+        return;
+    }
+    QFile file(profilePath);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+        Warn(QString(), tr("Could not save profile."));
+        return;
+    }
+    file.write(ProfileText(settings));
+    file.close();
+    UpdateAppTitleWithProfile(ProfileName(profilePath));
+}
+
+void MainWindow::on_actionSave_Profile_As_triggered()
+{
+    const QString path = QFileDialog::getSaveFileName(this, tr("Save profile"), ProfileFolder(), ProfileFilter());
+    if (path.isEmpty())
+        return;
+    profilePath = path; // stays even if saving fails, so that the next Save tries the same file again
+    on_actionSave_Profile_triggered();
+}
+
+void MainWindow::on_actionLoad_Profile_triggered()
+{
+    if (unsavedChanges && !AskYesNo(tr("Loading a profile will overwrite your current settings. Continue?")))
+        return;
+    // From here on only a successful load clears the flag: after a cancelled or failed one, changes of settings go
+    // unmarked until a profile is loaded. Our decision.
+    loading = true;
+    const QString path = QFileDialog::getOpenFileName(this, tr("Load profile"), ProfileFolder(), ProfileFilter());
+    if (path.isEmpty())
+        return;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        Warn(QString(), tr("Could not load profile."));
+        return;
+    }
+    settings = ReadProfile(file);
+    file.close();
+    UpdateAppTitleWithProfile(ProfileName(path));
+    RefreshInterface();
+    profilePath = path;
+    loading = false;
+}

@@ -1,0 +1,111 @@
+#include "app/MainWindow.h"
+
+#include "dialogs/DialogRename.h"
+#include "naming/OutputPath.h"
+#include "platform/UserSettings.h"
+#include "tags/FilePath.h"
+#include "ui_MainWindow.h"
+
+#include <QFileDialog>
+
+void MainWindow::SignalSettingsChanged()
+{
+    if (loading)
+        return;
+    if (!windowTitle().endsWith(QLatin1Char('*')))
+        setWindowTitle(windowTitle() + QLatin1Char('*'));
+    unsavedChanges = true;
+}
+
+void MainWindow::on_comboOrganizeBy_activated(int index)
+{
+    settings.organizeBy = index;
+    UpdateOutputPreview();
+    SignalSettingsChanged();
+}
+
+void MainWindow::on_comboRename_activated(int index)
+{
+    if (index == customRenameIndex) {
+        DialogRename dialog(this);
+        dialog.scheme = settings.customRenameScheme;
+        if (dialog.exec() == QDialog::Accepted)
+            settings.customRenameScheme = dialog.scheme;
+        // When cancelled, the choice is custom all the same, with the scheme as it was.
+    }
+    settings.renameIndex = index;
+    UpdateOutputPreview();
+    SignalSettingsChanged();
+}
+
+void MainWindow::on_checkSkipOrganize_clicked(bool checked)
+{
+    settings.skipOrganize = checked;
+    ui->comboOrganizeBy->setEnabled(!checked);
+    ui->comboRename->setEnabled(!checked);
+    ui->editOutputFolder->setEnabled(!checked);
+    ui->buttonBrowseOutFold->setEnabled(!checked);
+    ui->editOutputPreview->setEnabled(!checked);
+    ui->checkDeleteOriginal->setEnabled(!checked);
+    SignalSettingsChanged();
+}
+
+void MainWindow::on_radioFixAuto_clicked()
+{
+    settings.fixManually = false;
+    ui->checkOnlyEditInvalid->setEnabled(false);
+    SignalSettingsChanged();
+}
+
+void MainWindow::on_radioFixMan_clicked()
+{
+    settings.fixManually = true;
+    ui->checkOnlyEditInvalid->setEnabled(true);
+    SignalSettingsChanged();
+}
+
+void MainWindow::on_checkOnlyEditInvalid_clicked(bool checked)
+{
+    settings.onlyEditInvalid = checked;
+    SignalSettingsChanged();
+}
+
+void MainWindow::on_checkDeleteOriginal_clicked(bool checked)
+{
+    settings.deleteOriginal = checked;
+    SignalSettingsChanged();
+}
+
+void MainWindow::on_editOutputFolder_textEdited(const QString& text)
+{
+    settings.outputFolder = WithForwardSlashes(text);
+    UpdateOutputPreview();
+    if (!loading)
+        OpenSettings().setValue(SettingsKey::outputFolder, settings.outputFolder);
+    SignalSettingsChanged();
+}
+
+void MainWindow::on_buttonBrowseOutFold_clicked()
+{
+    const QString folder =
+        QFileDialog::getExistingDirectory(this, tr("Select folder"), StoredFolder(SettingsKey::outputFolder));
+    if (!folder.isEmpty()) {
+        ui->editOutputFolder->setText(folder);
+        settings.outputFolder = folder;
+        UpdateOutputPreview();
+        OpenSettings().setValue(SettingsKey::outputFolder, folder);
+    }
+    SignalSettingsChanged(); // a cancelled dialog counts as a change, too: our decision
+}
+
+void MainWindow::UpdateOutputPreview()
+{
+    if (audioFiles.IsRow(currentRow))
+        ui->editOutputPreview->setText(BuildPreviewPath(audioFiles.At(currentRow), settings));
+}
+
+void MainWindow::ClearPreviews()
+{
+    ui->textInfo->setText(QStringLiteral("Artist:\nTitle:\nAlbum:\nYear:\nGenre:\nTrack:"));
+    ui->editOutputPreview->clear();
+}

@@ -1,0 +1,77 @@
+#include "app/MainWindow.h"
+
+#include "app/MessageBoxes.h"
+#include "dialogs/DialogEditTags.h"
+#include "ui_MainWindow.h"
+
+#include <QCoreApplication>
+
+namespace
+{
+/// What the batch editor shows in each field; a field left at it keeps every file's own tag.
+const QString keptTag = QStringLiteral("[Original]");
+} // namespace
+
+/// Writes the tags of @p file into its file and puts it in the list. Failed writes are not reported.
+void MainWindow::WriteRecord(int row, const SAudioFile& file)
+{
+    tagManager.WriteFile(file);
+    audioFiles.Replace(row, file);
+}
+
+void MainWindow::RefreshPanel()
+{
+    if (QListWidgetItem* const item = ui->listAudioFiles->currentItem())
+        on_listAudioFiles_itemPressed(item);
+    else if (audioFiles.IsRow(currentRow))
+        SelectRow(currentRow);
+}
+
+void MainWindow::OnEditTags()
+{
+    if (!audioFiles.IsRow(currentRow))
+        return;
+    DiscardPlayer();
+    DialogEditTags dialog(this, DialogEditTags::EditOne);
+    dialog.SetFile(audioFiles.At(currentRow));
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    WriteRecord(currentRow, dialog.File());
+    RefreshPanel();
+}
+
+void MainWindow::OnBatchEditTags()
+{
+    if (!audioFiles.IsRow(currentRow))
+        return;
+    DiscardPlayer();
+    DialogEditTags dialog(this, DialogEditTags::EditAll);
+    dialog.SetFile({keptTag, keptTag, keptTag, keptTag, keptTag, keptTag, audioFiles.At(currentRow).Path});
+    if (dialog.exec() != QDialog::Accepted ||
+        !AskYesNo(tr("Are you sure you want to apply these tags to all the audio files in the list?")))
+        return;
+
+    const SAudioFile edited = dialog.File();
+    for (int row = 0; row < audioFiles.Count() && !quitting; ++row) {
+        SAudioFile file = audioFiles.At(row);
+        for (const STag& tag : allTags) {
+            if (edited.*tag.field != keptTag)
+                file.*tag.field = edited.*tag.field;
+        }
+        WriteRecord(row, file);
+        // The window repaints between two files but takes no input.
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    }
+    RefreshPanel();
+}
+
+void MainWindow::ShowDialogEditTag()
+{
+    const bool everyFile = worker.settings.fixManually && !worker.settings.onlyEditInvalid;
+    DialogEditTags dialog(this, everyFile ? DialogEditTags::RepairEvery : DialogEditTags::RepairIncomplete);
+    dialog.SetFile(worker.AwaitRequest());
+    const int result = dialog.exec();
+    if (result == QDialog::Accepted)
+        worker.editedFile = dialog.File();
+    worker.AnswerDialog(result);
+}

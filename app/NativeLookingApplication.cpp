@@ -1,0 +1,35 @@
+#include "app/NativeLookingApplication.h"
+
+#include <QEvent>
+#include <QTextCodec>
+#include <QWidget>
+
+#include <algorithm>
+
+NativeLookingApplication::NativeLookingApplication(int& argc, char** argv) : QApplication(argc, argv) {}
+
+void NativeLookingApplication::Prepare()
+{
+    setAttribute(Qt::AA_EnableHighDpiScaling);
+    setAttribute(Qt::AA_UseHighDpiPixmaps);
+    // File names are UTF-8 everywhere today, also where the locale is missing or says otherwise.
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+}
+
+bool NativeLookingApplication::notify(QObject* receiver, QEvent* event)
+{
+    if (event->type() == QEvent::Polish && receiver && receiver->isWidgetType()) {
+        constexpr Qt::WidgetAttribute sizes[] = {Qt::WA_MacMiniSize, Qt::WA_MacSmallSize, Qt::WA_MacNormalSize,
+                                                 Qt::WA_MacVariableSize};
+        constexpr const char* smallClasses[] = {"QLabel",    "QLineEdit",    "QComboBox",
+                                                "QCheckBox", "QRadioButton", "QAbstractItemView"};
+        auto* const widget = static_cast<QWidget*>(receiver);
+        const bool sized = std::any_of(std::begin(sizes), std::end(sizes),
+                                       [widget](Qt::WidgetAttribute size) { return widget->testAttribute(size); });
+        const bool isSmall = std::any_of(std::begin(smallClasses), std::end(smallClasses),
+                                         [widget](const char* name) { return widget->inherits(name); });
+        if (!sized && isSmall)
+            widget->setAttribute(Qt::WA_MacSmallSize);
+    }
+    return QApplication::notify(receiver, event);
+}

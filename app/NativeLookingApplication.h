@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QApplication>
+
+/// The application object. Small text controls are drawn in the platform's small control size unless a size was
+/// chosen for them; harmless where the platform has only one size.
+class NativeLookingApplication : public QApplication
+{
+    Q_OBJECT
+
+public:
+    NativeLookingApplication(int& argc, char** argv);
+
+    /// What must be decided before the application object exists: scaling, sharp pictures, the encoding of file names.
+    static void Prepare();
+
+    bool notify(QObject* receiver, QEvent* event) override;
+};

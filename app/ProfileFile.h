@@ -1,0 +1,21 @@
+#pragma once
+
+#include "naming/SRunSettings.h"
+
+#include <QByteArray>
+#include <QIODevice>
+
+/// A profile file: the eight settings as UTF-8, one "key=value" line each, in a fixed order, each line ended by one
+/// line feed.
+
+/// The file's exact content for these settings.
+QByteArray ProfileText(const SRunSettings& settings);
+
+/// Reads the settings from eight lines of @p device, opened without translation of line ends. A line counts by its
+/// position, its value is what follows its first "=" (all of it without one); keys are not looked at and numbers not
+/// range-checked. Missing lines read as 0, false or empty. Of a line longer than any profile's, its beginning is taken
+/// and the rest of the file is not read.
+SRunSettings ReadProfile(QIODevice& device);
+
+/// The name under which the window shows the profile at @p path.
+QString ProfileName(const QString& path);

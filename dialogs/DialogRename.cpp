@@ -1,0 +1,27 @@
+#include "dialogs/DialogRename.h"
+
+#include "ui_DialogRename.h"
+
+DialogRename::DialogRename(QWidget* parent) : QDialog(parent), ui(std::make_unique<Ui_DialogRename>())
+{
+    ui->setupUi(this);
+}
+
+DialogRename::~DialogRename() = default;
+
+int DialogRename::exec()
+{
+    ui->editRenameScheme->setText(scheme);
+    return QDialog::exec();
+}
+
+void DialogRename::on_buttonOK_clicked()
+{
+    scheme = ui->editRenameScheme->text();
+    accept();
+}
+
+void DialogRename::on_buttonCancel_clicked()
+{
+    reject();
+}

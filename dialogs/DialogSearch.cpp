@@ -1,0 +1,75 @@
+#include "dialogs/DialogSearch.h"
+
+#include "platform/UserSettings.h"
+#include "tags/FilePath.h"
+#include "ui_DialogSearch.h"
+
+#include <QFileDialog>
+
+DialogSearch::DialogSearch(QWidget* parent) : QDialog(parent), ui(std::make_unique<Ui_DialogSearch>())
+{
+    ui->setupUi(this);
+    Init();
+}
+
+DialogSearch::~DialogSearch() = default;
+
+void DialogSearch::Init()
+{
+    const QSettings settings = OpenSettings();
+    searchPath = StoredFolder(SettingsKey::searchFolder);
+    ui->editSearchPath->setText(searchPath);
+
+    searchSubfolders = settings.value(SettingsKey::searchSubfolders, false).toBool();
+    ui->checkSearchSubfolders->setChecked(searchSubfolders);
+
+    for (const QString& extension : AudioExtensions())
+        ui->comboSearchMask->addItem(QStringLiteral("*.") + extension);
+    searchMask = settings.value(SettingsKey::searchMask, 0).toInt();
+    if (searchMask < 0 || searchMask >= AudioExtensions().size())
+        searchMask = 0;
+    ui->comboSearchMask->setCurrentIndex(searchMask);
+}
+
+void DialogSearch::StoreSearchPath(const QString& path)
+{
+    searchPath = path;
+    OpenSettings().setValue(SettingsKey::searchFolder, path);
+}
+
+void DialogSearch::on_editSearchPath_textEdited(const QString& text)
+{
+    StoreSearchPath(WithForwardSlashes(text));
+}
+
+void DialogSearch::on_buttonBrowse_clicked()
+{
+    const QString folder =
+        QFileDialog::getExistingDirectory(this, tr("Select folder"), StoredFolder(SettingsKey::searchFolder));
+    if (folder.isEmpty())
+        return;
+    ui->editSearchPath->setText(folder);
+    StoreSearchPath(folder);
+}
+
+void DialogSearch::on_checkSearchSubfolders_clicked(bool checked)
+{
+    searchSubfolders = checked;
+    OpenSettings().setValue(SettingsKey::searchSubfolders, checked);
+}
+
+void DialogSearch::on_comboSearchMask_activated(int index)
+{
+    searchMask = index;
+    OpenSettings().setValue(SettingsKey::searchMask, index);
+}
+
+void DialogSearch::on_buttonOK_clicked()
+{
+    accept();
+}
+
+void DialogSearch::on_buttonCancel_clicked()
+{
+    reject();
+}

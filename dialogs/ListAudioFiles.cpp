@@ -1,0 +1,22 @@
+#include "dialogs/ListAudioFiles.h"
+
+#include <QPainter>
+#include <QScrollBar>
+
+ListAudioFiles::ListAudioFiles(QWidget* parent) : QListWidget(parent), watermark(QStringLiteral(":/res/Logo-list.png"))
+{
+    // Scrolling moves the painted rows; a full repaint keeps the watermark where it is.
+    for (const QScrollBar* bar : {verticalScrollBar(), horizontalScrollBar()})
+        connect(bar, &QScrollBar::valueChanged, viewport(), QOverload<>::of(&QWidget::update));
+}
+
+void ListAudioFiles::paintEvent(QPaintEvent* event)
+{
+    {
+        const QSize size = watermark.size() / watermark.devicePixelRatio();
+        QPainter painter(viewport());
+        painter.setOpacity(0.4);
+        painter.drawPixmap((width() - size.width()) / 2, (height() - size.height()) / 2, watermark);
+    }
+    QListWidget::paintEvent(event);
+}

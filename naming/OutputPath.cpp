@@ -1,0 +1,115 @@
+#include "naming/OutputPath.h"
+
+#include "tags/FilePath.h"
+#include "tags/TagTextRules.h"
+
+bool IsOrganizeChoice(int organizeBy)
+{
+    return organizeBy >= 0 && organizeBy < static_cast<int>(organizeChoices.size());
+}
+
+bool IsRenameChoice(int renameIndex)
+{
+    return renameIndex >= 0 && renameIndex < static_cast<int>(renameChoices.size());
+}
+
+QString GenerateFileNameFromRenameScheme(const QString& scheme, const QString& artist, const QString& title,
+                                         const QString& album, const QString& year, const QString& genre,
+                                         const QString& track)
+{
+    const struct
+    {
+        QLatin1String placeholder;
+        const QString& value;
+    } values[] = {
+        {QLatin1String("[Artist]"), artist}, {QLatin1String("[Title]"), title}, {QLatin1String("[Album]"), album},
+        {QLatin1String("[Year]"), year},     {QLatin1String("[Genre]"), genre}, {QLatin1String("[Track]"), track},
+    };
+
+    QString result;
+    QString token; // from "[" on; empty outside
+    for (const QChar character : scheme) {
+        if (token.isEmpty() && character != QLatin1Char('[')) {
+            result += character;
+            continue;
+        }
+        token += character;
+        if (character != QLatin1Char(']'))
+            continue;
+        for (const auto& candidate : values) {
+            if (token == candidate.placeholder) {
+                token = candidate.value;
+                break;
+            }
+        }
+        result += token;
+        token.clear();
+    }
+    return result + token;
+}
+
+QString BuildFileName(const SAudioFile& file, int renameIndex, const QString& customScheme)
+{
+    if (!IsRenameChoice(renameIndex))
+        return QString();
+    if (renameIndex == originalNameIndex)
+        return StrippedOfReservedChars(BaseNameOf(file.Path));
+
+    const QString scheme = renameIndex == customRenameIndex
+                               ? customScheme
+                               : QString::fromLatin1(renameChoices[static_cast<std::size_t>(renameIndex)].scheme);
+    return StrippedOfReservedChars(GenerateFileNameFromRenameScheme(scheme, file.Artist, file.Title, file.Album,
+                                                                    file.Year, file.Genre, file.Track));
+}
+
+QStringList FolderTags(const SAudioFile& file, int organizeBy)
+{
+    QStringList tags;
+    if (IsOrganizeChoice(organizeBy)) {
+        for (const TagField level : organizeChoices[static_cast<std::size_t>(organizeBy)].levels) {
+            if (level)
+                tags += file.*level;
+        }
+    }
+    return tags;
+}
+
+QString BuildFolderPath(const QString& outputFolder, const QStringList& folderTags)
+{
+    QString folder = outputFolder;
+    for (const QString& tag : folderTags)
+        folder += QLatin1Char('/') + StrippedOfReservedChars(tag);
+    return folder;
+}
+
+QString BuildPreviewFileName(SAudioFile file, const SRunSettings& settings)
+{
+    for (const STag& tag : allTags) {
+        // A missing track stays "0" while a missing year becomes "Year": our decision.
+        const QLatin1String absent(tag.index == Tag::Track ? "" : tag.absent);
+        QString& text = file.*tag.field;
+        if (text == absent)
+            text = QLatin1String(tag.name);
+    }
+    return BuildFileName(file, settings.renameIndex, settings.customRenameScheme);
+}
+
+QString BuildPreviewPath(const SAudioFile& file, const SRunSettings& settings)
+{
+    QString path = settings.outputFolder + QLatin1Char('/');
+    if (settings.organizeBy != 0) {
+        QString folders;
+        if (IsOrganizeChoice(settings.organizeBy))
+            folders = QLatin1String(organizeChoices[static_cast<std::size_t>(settings.organizeBy)].label);
+        for (const STag& tag : allTags) {
+            // A value that contains the caption of a later tag is replaced again, which a preview may.
+            const QString& text = file.*tag.field;
+            if (tag.index != Tag::Track && text != QLatin1String(tag.absent))
+                folders.replace(QLatin1String(tag.name), StrippedOfReservedChars(text));
+        }
+        path += folders + QLatin1Char('/');
+    }
+    path += BuildPreviewFileName(file, settings);
+    path.replace(QLatin1String("//"), QLatin1String("/"));
+    return path + QLatin1Char('.') + ExtensionOf(file.Path);
+}

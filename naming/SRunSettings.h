@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+/// The eight settings of a processing run, with their defaults. A profile holds exactly these, in this order.
+struct SRunSettings
+{
+    int organizeBy = 1;  ///< index into organizeChoices; not range-checked, profiles may hold any number
+    int renameIndex = 2; ///< index into renameChoices; not range-checked either
+    QString customRenameScheme = QStringLiteral("[Track] [Artist]-[Title] ([Album], [Year], [Genre])");
+    bool skipOrganize = false;   ///< only edit tags, copy nothing
+    bool fixManually = false;    ///< ask the user about each file instead of fixing tags from its name
+    bool onlyEditInvalid = true; ///< with fixManually: ask about incomplete files only
+    QString outputFolder;        ///< root of the output paths, with "/" separators
+    bool deleteOriginal = false; ///< delete each source file after copying
+};

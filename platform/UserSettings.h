@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QSettings>
+#include <QString>
+
+/// The user's preferences outside profiles, and the folders of the desktop that the program starts from.
+namespace SettingsKey
+{
+inline const QString outputFolder = QStringLiteral("OutputFolderPath");
+inline const QString addFilesFolder = QStringLiteral("AddFilesPath");
+inline const QString addFolder = QStringLiteral("AddFolderPath");
+inline const QString searchFolder = QStringLiteral("SearchFolderPath");
+inline const QString searchSubfolders = QStringLiteral("SearchSubfolders");
+inline const QString searchMask = QStringLiteral("SearchMask");
+inline const QString skipSocial = QStringLiteral("SkipSocial");
+} // namespace SettingsKey
+
+/// Opens the settings store. Each handler opens its own; nothing caches it.
+QSettings OpenSettings();
+
+/// The folder stored under @p key, by default the first of the desktop's music locations.
+QString StoredFolder(const QString& key);
+
+/// The folder for the program's documents, below the first of the desktop's documents locations; maybe not there yet.
+QString DocumentsFolder();

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+
+/// Every web address that the program opens. A maker sets the hosts here.
+namespace WebPage
+{
+inline const QString discogsHost = QStringLiteral("www.discogs.com");
+inline const QString allmusicHost = QStringLiteral("www.allmusic.com");
+inline const QString home = QStringLiteral("http://www.orvanto.example");
+inline const QString onlineHelp = home + QStringLiteral("/help-mac.html");
+inline const QString videoTutorial = home + QStringLiteral("/feature.html");
+inline const QString onlineSupport = home + QStringLiteral("/contact.html");
+inline const QString facebook = QStringLiteral("http://www.facebook.example/orvanto");
+inline const QString googlePlus = QStringLiteral("http://plus.google.example/orvanto");
+} // namespace WebPage
+
+/// Opens @p address, parsed tolerantly, in the user's web browser. A failure is ignored.
+void OpenWebPage(const QString& address);

@@ -1,0 +1,263 @@
+#include "processing/ProcessThread.h"
+
+#include "naming/OutputPath.h"
+#include "tags/FilePath.h"
+#include "tags/TagTextRules.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSet>
+
+#include <sys/stat.h>
+
+#include <optional>
+#include <utility>
+
+namespace
+{
+constexpr unsigned long dialogPollInterval = 50; // milliseconds
+
+/// What stands for a missing tag in folder and file names, once the user has left it missing.
+QString NamingPlaceholder(const STag& tag)
+{
+    const bool refusesTheFile = tag.index == Tag::Artist || tag.index == Tag::Title;
+    return refusesTheFile ? unknownTag : QString::fromLatin1(tag.name);
+}
+
+void PutNamingPlaceholders(SAudioFile& file)
+{
+    for (const STag& tag : allTags) {
+        if (file.*tag.field == QLatin1String(tag.absent))
+            file.*tag.field = NamingPlaceholder(tag);
+    }
+}
+
+void TakeNamingPlaceholdersBack(SAudioFile& file)
+{
+    for (const STag& tag : allTags) {
+        if (file.*tag.field == NamingPlaceholder(tag))
+            file.*tag.field = QLatin1String(tag.absent);
+    }
+}
+
+using FileIdentity = std::pair<quint64, quint64>;
+
+/// Device and inode: the same for every spelling of a path to the same file.
+std::optional<FileIdentity> IdentityOf(const QString& path)
+{
+    struct stat status;
+    if (stat(QFile::encodeName(path).constData(), &status) != 0)
+        return std::nullopt;
+    return FileIdentity(status.st_dev, status.st_ino);
+}
+} // namespace
+
+ProcessThread::ProcessThread(QObject* parent) : QThread(parent)
+{
+    Init();
+}
+
+ProcessThread::~ProcessThread()
+{
+    requestInterruption();
+    wait();
+}
+
+void ProcessThread::Init()
+{
+    failureText = failureHeading;
+    waitingForDialog = false;
+    dialogResult = -1;
+    outputPaths.clear();
+    failedPaths.clear();
+}
+
+QString ProcessThread::GenerateFilename(int index) const
+{
+    return BuildFileName(files.at(index), settings.renameIndex, settings.customRenameScheme);
+}
+
+SAudioFile ProcessThread::AwaitRequest() const
+{
+    // The worker raises the flag just after it has asked; an answer must not overtake it.
+    while (!waitingForDialog && isRunning())
+        yieldCurrentThread();
+    return editedFile;
+}
+
+void ProcessThread::AnswerDialog(int result)
+{
+    dialogResult = result;
+    waitingForDialog = false;
+}
+
+void ProcessThread::run()
+{
+    Init();
+    if (!FixTags())
+        return;
+    if (settings.skipOrganize) {
+        emit SetProgress(files.size());
+        return;
+    }
+    if (!IsOrganizeChoice(settings.organizeBy))
+        return; // nothing is copied, so there are no originals to delete
+    CreateFolders();
+    CopyFiles();
+    // Without a rename choice all files were meant for one nameless destination; that is no reason to delete any.
+    if (settings.deleteOriginal && IsRenameChoice(settings.renameIndex))
+        DeleteOriginals();
+}
+
+/// @return false when the user aborted or the run was interrupted.
+bool ProcessThread::FixTags()
+{
+    for (SAudioFile& file : files) {
+        if (isInterruptionRequested())
+            return false;
+        const bool everyFile = settings.fixManually && !settings.onlyEditInvalid;
+        if (!everyFile && !IsIncomplete(file))
+            continue;
+        const bool askUser = settings.fixManually || FixFromFileName(file);
+        if (askUser && !AskUser(file))
+            return false;
+    }
+    return true;
+}
+
+/// Fills a missing artist and title from a file name like "Artist-Title", else a missing title from all of it.
+/// @return whether @p file is still incomplete.
+bool ProcessThread::FixFromFileName(SAudioFile& file)
+{
+    const QString baseName = BaseNameOf(file.Path);
+    const int dash = baseName.indexOf(QLatin1Char('-'));
+    const bool hasArtistAndTitle = dash > 0 && dash < baseName.size() - 1;
+    const auto fill = [this, &file](const STag& tag, const QString& text) {
+        tagManager.SetInfo(tag.index, text);
+        file.*tag.field = text;
+    };
+
+    tagManager.path = file.Path;
+    bool incomplete = false;
+    for (const STag& tag : allTags) {
+        if (!IsMissing(file, tag))
+            continue;
+        if (hasArtistAndTitle && (tag.index == Tag::Artist || tag.index == Tag::Title)) {
+            QString candidate = tag.index == Tag::Artist ? baseName.left(dash) : baseName.mid(dash + 1);
+            RemoveTrailingSpaces(candidate);
+            if (!candidate.isEmpty() && candidate != unknownTag)
+                fill(tag, candidate);
+            else
+                incomplete = true;
+        } else if (tag.index == Tag::Title) {
+            fill(tag, baseName); // whatever it is, it counts as a title
+        } else {
+            incomplete = true;
+        }
+    }
+    return incomplete;
+}
+
+/// @return false when the user aborted or the run was interrupted.
+bool ProcessThread::AskUser(SAudioFile& file)
+{
+    editedFile = file;
+    emit ShowEditTagDialog();
+    waitingForDialog = true;
+    while (waitingForDialog) {
+        if (isInterruptionRequested())
+            return false;
+        msleep(dialogPollInterval);
+    }
+    if (dialogResult != 1)
+        return false;
+
+    tagManager.WriteFile(editedFile);
+    if (!settings.skipOrganize) {
+        PutNamingPlaceholders(editedFile);
+        file = editedFile;
+    }
+    return true;
+}
+
+/// Makes one folder for each distinct combination of tags. Failures show when files are copied.
+void ProcessThread::CreateFolders() const
+{
+    const QDir workingFolder;
+    if (!settings.outputFolder.isEmpty())
+        workingFolder.mkdir(settings.outputFolder);
+
+    QSet<QStringList> made;
+    for (const SAudioFile& file : files) {
+        const QStringList tags = FolderTags(file, settings.organizeBy);
+        if (tags.isEmpty() || made.contains(tags))
+            continue;
+        made.insert(tags);
+        // Only a top level named "Unknown" is refused, a lower one may be.
+        if (StrippedOfReservedChars(tags.first()) == unknownTag)
+            continue;
+        const QString folder = BuildFolderPath(settings.outputFolder, tags);
+        if (tags.size() == 1)
+            workingFolder.mkdir(folder); // a missing output folder of several levels is not made up for here
+        else
+            workingFolder.mkpath(folder);
+    }
+}
+
+void ProcessThread::CopyFiles()
+{
+    for (int i = 0; i < files.size() && !isInterruptionRequested(); ++i) {
+        const QString name = GenerateFilename(i);
+        // A blunt test on purpose: it refuses a real title with this word in it, too.
+        const bool refused = name.contains(unknownTag);
+        if (refused) {
+            RecordFailure(files.at(i).Path);
+            TakeNamingPlaceholdersBack(files[i]);
+        } else {
+            CopyFile(i, name);
+        }
+        // Without folders, progress passes refused files over; with folders it counts them. Both are kept.
+        if (!refused || settings.organizeBy != 0)
+            emit SetProgress(i + 1);
+    }
+}
+
+void ProcessThread::CopyFile(int index, const QString& name)
+{
+    const SAudioFile& file = files.at(index);
+    const QString destination = BuildFolderPath(settings.outputFolder, FolderTags(file, settings.organizeBy)) +
+                                QLatin1Char('/') + name + QLatin1Char('.') + ExtensionOf(file.Path);
+    outputPaths += destination;
+    // An existing file is kept, and that is no failure; anything else of that name is one.
+    if (!QFileInfo(destination).isFile() && !QFile::copy(file.Path, destination))
+        RecordFailure(file.Path);
+}
+
+void ProcessThread::RecordFailure(const QString& sourcePath)
+{
+    failureText += sourcePath + QLatin1Char('\n');
+    failedPaths += sourcePath;
+}
+
+/// Removes every source that was copied, or whose destination was another file all along. A source that is its own
+/// destination stays, however its path is spelled.
+void ProcessThread::DeleteOriginals()
+{
+    QSet<QString> kept(failedPaths.begin(), failedPaths.end());
+    kept += QSet<QString>(outputPaths.begin(), outputPaths.end());
+    QSet<FileIdentity> destinations;
+    for (const QString& path : qAsConst(outputPaths)) {
+        if (const auto identity = IdentityOf(path))
+            destinations.insert(*identity);
+    }
+
+    for (const SAudioFile& file : qAsConst(files)) {
+        if (isInterruptionRequested())
+            return;
+        const auto identity = IdentityOf(file.Path);
+        if (identity && !destinations.contains(*identity) && !kept.contains(file.Path))
+            QFile::remove(file.Path);
+    }
+    files.clear();
+}

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "naming/SRunSettings.h"
+#include "tags/SAudioFile.h"
+#include "tags/TagManager.h"
+
+#include <QList>
+#include <QString>
+#include <QThread>
+
+#include <atomic>
+
+/// The worker: one run over its own copy of the file list. It repairs and writes tags, copies every file into the
+/// output tree and may delete the originals. Fill `files` and `settings`, start it, and read the results once it has
+/// finished; while it runs, only the hand-off below may be touched. requestInterruption() stops it between two files
+/// or while it waits for the tag editor; it deletes nothing after that.
+class ProcessThread : public QThread
+{
+    Q_OBJECT
+
+public:
+    explicit ProcessThread(QObject* parent);
+    /// Stops the run and blocks until it has ended.
+    ~ProcessThread() override;
+
+    /// Forgets the results of an earlier run. Every run starts with it by itself.
+    void Init();
+
+    /// The new name, without extension, of `files[index]`.
+    QString GenerateFilename(int index) const;
+
+    /// Interface thread, on ShowEditTagDialog(): the file that the worker asks about.
+    SAudioFile AwaitRequest() const;
+    /// Interface thread: hands the tag editor's result to the waiting worker, once `editedFile` holds the user's tags.
+    void AnswerDialog(int result);
+
+    QList<SAudioFile> files; ///< rewritten while tags are fixed; empty after originals were deleted
+    TagManager tagManager;
+    SRunSettings settings; ///< settings.outputFolder has no trailing "/" here
+
+    QString failureText; ///< what could not be copied: a heading, then one source path a line
+
+    /// The hand-off: the worker fills the record and waits while the flag is set. The interface thread writes the
+    /// record and the result and clears the flag last; whoever sees the flag cleared sees the other two.
+    SAudioFile editedFile;
+    std::atomic<bool> waitingForDialog{false};
+    int dialogResult = -1; ///< 1 accepted, -1 not asked yet, anything else aborts the run
+
+    QList<QString> outputPaths; ///< every destination that was decided on, in order
+    QList<QString> failedPaths; ///< sources that were not copied, in order
+
+signals:
+    /// Asks for the tag editor on `editedFile`.
+    void ShowEditTagDialog();
+    /// The number of files handled so far.
+    void SetProgress(int handled);
+
+protected:
+    void run() override;
+
+private:
+    bool FixTags();
+    bool FixFromFileName(SAudioFile& file);
+    bool AskUser(SAudioFile& file);
+    void CreateFolders() const;
+    void CopyFiles();
+    void CopyFile(int index, const QString& name);
+    void RecordFailure(const QString& sourcePath);
+    void DeleteOriginals();
+};
+
+/// What `failureText` holds as long as nothing has failed.
+inline const QString failureHeading = QStringLiteral("Could not copy the following:\n\n");

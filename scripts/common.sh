@@ -1,0 +1,62 @@
+# Shared by the other scripts, which source it: installing what is missing, and building.
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+# shellcheck disable=SC2034
+{
+    build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev qtmultimedia5-dev libqt5multimedia5-plugins
+        libtag1-dev fonts-dejavu-core)
+    # What the player needs to be heard; building and testing do not.
+    sound_packages=(gstreamer1.0-plugins-good gstreamer1.0-libav)
+    virtual_display_packages=(xvfb xauth)
+    check_packages=(git clang-format clang-tidy)
+}
+
+# install PACKAGE...: installs those that are missing; needs neither the network nor any right when none is.
+install() {
+    if ! command -v apt-get >/dev/null; then
+        # Neither macOS nor another Linux has been tried: this only says what CMake will look for.
+        if [[ $(uname) == Darwin ]]; then
+            echo "This needs Xcode's command line tools and: brew install qt@5 taglib cmake ninja"
+        else
+            echo "This needs a C++17 compiler, CMake 3.25, Ninja, pkg-config, Qt 5.15 with Multimedia, TagLib and Xvfb."
+        fi
+        return
+    fi
+
+    local missing=() package commands
+    for package in "$@"; do
+        [[ $(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null) == installed* ]] || missing+=("$package")
+    done
+    ((${#missing[@]})) || return 0
+
+    commands="export DEBIAN_FRONTEND=noninteractive; apt-get -q update &&"
+    commands+=" apt-get -q install -y --no-install-recommends ${missing[*]}"
+    if [[ $(id -u) == 0 ]]; then
+        echo "Installing ${missing[*]}."
+        sh -c "$commands"
+    elif command -v sudo >/dev/null; then
+        echo "Installing ${missing[*]} with sudo."
+        sudo sh -c "$commands"
+    else
+        echo "Packages are missing and only root can install them. Run this as root: $commands" >&2
+        exit 1
+    fi
+}
+
+# build PRESET
+build() (
+    echo "Building the preset $1."
+    cd "$root"
+    if command -v ccache >/dev/null; then
+        export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    fi
+    if [[ $(uname) == Darwin ]]; then
+        # Homebrew keeps Qt 5 out of the folders that CMake searches.
+        CMAKE_PREFIX_PATH=$(brew --prefix qt@5)
+        export CMAKE_PREFIX_PATH
+    fi
+    cmake --preset "$1"
+    cmake --build --preset "$1"
+)

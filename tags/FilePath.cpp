@@ -1,0 +1,32 @@
+#include "tags/FilePath.h"
+
+const QStringList& AudioExtensions()
+{
+    static const QStringList extensions{
+        QStringLiteral("mp3"), QStringLiteral("mp4"), QStringLiteral("wav"), QStringLiteral("flac"),
+        QStringLiteral("aif"), QStringLiteral("asf"), QStringLiteral("ogg"), QStringLiteral("mpc"),
+        QStringLiteral("spx"), QStringLiteral("wv"),
+    };
+    return extensions;
+}
+
+QString ExtensionOf(const QString& path)
+{
+    return path.mid(path.lastIndexOf(QLatin1Char('.')) + 1).toLower();
+}
+
+QString BaseNameOf(const QString& path)
+{
+    const QString name = path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
+    return name.left(name.lastIndexOf(QLatin1Char('.')));
+}
+
+QString FolderOf(const QString& path)
+{
+    return path.left(path.lastIndexOf(QLatin1Char('/')));
+}
+
+QString WithForwardSlashes(QString path)
+{
+    return path.replace(QLatin1Char('\\'), QLatin1Char('/'));
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "tags/SAudioFile.h"
+
+#include <QString>
+
+/// What stands for each tag of a file that cannot be read or carries no tags.
+inline const QString unknownTag = QStringLiteral("Unknown");
+
+/// Whether @p text carries a web address: spam, to be erased. Case-sensitive and a plain substring test on purpose.
+bool IsInvalidTag(const QString& text);
+
+/// Removes blanks (U+0020 only, no other white space) from the end of @p text.
+void RemoveTrailingSpaces(QString& text);
+
+/// Makes @p text usable as one component of a folder or file name: each reserved character, the full stop among
+/// them, becomes a blank; then trailing blanks go. Never pass a name with its extension.
+void StripOfReservedChars(QString& text);
+
+/// The same on a copy.
+QString StrippedOfReservedChars(QString text);
+
+/// Turns @p text into the query of a search page's address. Trailing "+" stay.
+QString PrepareForSearch(QString text);
+
+/// Whether @p file holds nothing for @p tag: the text that an absent tag reads as, or "Unknown".
+bool IsMissing(const SAudioFile& file, const STag& tag);
+
+/// Whether any of the six tags of @p file is missing.
+bool IsIncomplete(const SAudioFile& file);
