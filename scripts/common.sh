@@ -1,17 +1,15 @@
 # Shared by the other scripts, which source it: installing what is missing, and building.
+# shellcheck disable=SC2034
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-# shellcheck disable=SC2034
-{
-    build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev qtmultimedia5-dev libqt5multimedia5-plugins
-        libtag1-dev fonts-dejavu-core)
-    # What the player needs to be heard; building and testing do not.
-    sound_packages=(gstreamer1.0-plugins-good gstreamer1.0-libav)
-    virtual_display_packages=(xvfb xauth)
-    check_packages=(git clang-format clang-tidy)
-}
+build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev qtmultimedia5-dev libqt5multimedia5-plugins libtag1-dev
+    fonts-dejavu-core)
+# What the player needs to be heard; building and testing do not.
+sound_packages=(gstreamer1.0-plugins-good gstreamer1.0-libav)
+virtual_display_packages=(xvfb xauth)
+check_packages=(git clang-format clang-tidy)
 
 # install PACKAGE...: installs those that are missing; needs neither the network nor any right when none is.
 install() {

@@ -2,7 +2,7 @@
 
 #include "tags/TagTextRules.h"
 
-#include <QFile>
+#include <QFileInfo>
 
 #include <taglib/fileref.h>
 #include <taglib/tag.h>
@@ -54,7 +54,10 @@ const TagLib::Tag* TagOf(const TagLib::FileRef& file)
 TagLib::FileRef TagManager::CreateFileRef() const
 {
     // The file systems of macOS take a name in either normalisation form, those of Linux only the stored one.
-    const QString stored = QFile::exists(path) ? path : path.normalized(QString::NormalizationForm_D);
+    const QString stored = QFileInfo::exists(path) ? path : path.normalized(QString::NormalizationForm_D);
+    // TagLib would take a folder for an untagged file and wait for ever at a pipe.
+    if (!QFileInfo(stored).isFile())
+        return TagLib::FileRef();
     return TagLib::FileRef(stored.toUtf8().constData(), true, TagLib::AudioProperties::Average);
 }
 

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QAction>
+#include <QMessageBox>
+#include <QTimer>
+#include <QtTest>
+
+#include <functional>
+
+/// Drives real windows from outside, by events.
+
+/// The child of @p parent with this object name; ends the program with a clear word when there is none.
+template <class Widget>
+Widget* Child(const QObject& parent, const char* name)
+{
+    auto* const child = parent.findChild<Widget*>(QString::fromLatin1(name));
+    if (!child)
+        qFatal("no %s named %s", Widget::staticMetaObject.className(), name);
+    return child;
+}
+
+void Click(const QObject& parent, const char* button);
+/// Chooses an entry as the user does, so that the box tells its activation.
+void Choose(const QObject& parent, const char* comboBox, int index);
+/// Replaces the text of a line edit by typing.
+void Type(const QObject& parent, const char* lineEdit, const QString& text);
+
+using Answer = std::function<void(QWidget*)>;
+
+/// Answers that are given to the modal dialogs and popup menus that come up while it lives, one each and in order.
+class Answers
+{
+public:
+    explicit Answers(QList<Answer> inOrder);
+    /// Fails the test when an answer was not needed, or a dialog came up without one or did not close in time.
+    ~Answers();
+    /// Fails the test unless every answer has been given; waits for that.
+    void Finish();
+
+private:
+    void Look();
+
+    QList<Answer> answers;
+    QTimer timer;
+    QPointer<QWidget> answered;
+    int ticks = 0;
+};
+
+/// Clicks an entry of a popup menu, after comparing all its entries ("-" is a separator).
+Answer Entry(const QStringList& allEntries, const QString& entry);
+/// Clicks a button of a message box, after comparing everything that it shows.
+Answer Box(QMessageBox::Icon icon, const QString& text, QMessageBox::StandardButtons buttons,
+           QMessageBox::StandardButton answer, const QString& title = QString());
+Answer Question(const QString& text, QMessageBox::StandardButton answer);
+Answer Warning(const QString& text, const QString& title = QString());
+/// Accepts a file dialog with these paths after comparing its caption; cancels it without.
+Answer Files(const QString& caption, const QStringList& paths);
+/// Does something with a dialog of this window title; it has to close it.
+Answer Dialog(const QString& title, const Answer& answer);
+/// Clicks a button of it.
+Answer ClickIn(const QString& title, const char* button);
+/// Closes it by its window's close button.
+Answer CloseWindow(const QString& title);

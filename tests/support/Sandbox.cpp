@@ -1,0 +1,49 @@
+#include "support/Sandbox.h"
+
+#include <QDir>
+
+namespace
+{
+QStringList warnings;
+QtMessageHandler previousHandler = nullptr;
+
+void KeepWarning(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    // What the platform without a screen cannot do is no fault of the program.
+    const bool ofThePlatform = text.startsWith(QLatin1String("This plugin does not support"));
+    if (type != QtDebugMsg && type != QtInfoMsg && !ofThePlatform)
+        warnings += text;
+    previousHandler(type, context, text);
+}
+} // namespace
+
+Sandbox::Sandbox()
+{
+    qputenv("HOME", folder.path().toUtf8());
+    qputenv("XDG_RUNTIME_DIR", folder.path().toUtf8());
+    for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
+        qunsetenv(variable);
+    Reset();
+    previousHandler = qInstallMessageHandler(KeepWarning);
+}
+
+QString Sandbox::Home()
+{
+    return QDir::homePath();
+}
+
+void Sandbox::Reset()
+{
+    QDir home(Home());
+    for (const QString& name : home.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot))
+        QDir(home.filePath(name)).removeRecursively() || home.remove(name);
+    for (const char* folder : {"Music", "Documents"})
+        home.mkdir(folder);
+}
+
+QStringList Sandbox::TakeWarnings()
+{
+    QStringList taken;
+    taken.swap(warnings);
+    return taken;
+}
