@@ -81,6 +81,8 @@ void Answers::Look()
     answered = shown;
     ticks = 0;
     answers.takeFirst()(shown);
+    if (answered && !answered->isVisible())
+        answered.clear(); // the same menu may come up again
 }
 
 Answer Entry(const QStringList& allEntries, const QString& entry)
