@@ -68,6 +68,7 @@ void DialogEditTags::Init()
     ui->editTitle->setText(title);
     ui->editTrack->setText(track);
     ui->editYear->setText(year);
+    ui->editArtist->setFocus();
     ui->buttonPlay->setFixedWidth(130);
     ui->buttonPlay->setText(tr("Play in iTunes"));
     ui->buttonStop->hide();

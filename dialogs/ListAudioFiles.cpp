@@ -10,6 +10,15 @@ ListAudioFiles::ListAudioFiles(QWidget* parent) : QListWidget(parent), watermark
         connect(bar, &QScrollBar::valueChanged, viewport(), QOverload<>::of(&QWidget::update));
 }
 
+void ListAudioFiles::keyPressEvent(QKeyEvent* event)
+{
+    const QList<QListWidgetItem*> before = selectedItems();
+    QListWidget::keyPressEvent(event);
+    const QList<QListWidgetItem*> now = selectedItems();
+    if (!now.isEmpty() && now != before)
+        emit itemPressed(now.first());
+}
+
 void ListAudioFiles::paintEvent(QPaintEvent* event)
 {
     {

@@ -3,7 +3,8 @@
 #include <QListWidget>
 #include <QPixmap>
 
-/// The file list with the program's mark faintly in its middle, behind the rows.
+/// The file list with the program's mark faintly in its middle, behind the rows. Selecting a row by key counts as a
+/// press on it: itemPressed() tells both.
 class ListAudioFiles : public QListWidget
 {
     Q_OBJECT
@@ -12,6 +13,7 @@ public:
     explicit ListAudioFiles(QWidget* parent);
 
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:

@@ -43,7 +43,7 @@ install() {
     fi
 }
 
-# build PRESET
+# build PRESET [TARGET...]: everything when no target is named.
 build() (
     echo "Building the preset $1."
     cd "$root"
@@ -56,5 +56,5 @@ build() (
         export CMAKE_PREFIX_PATH
     fi
     cmake --preset "$1"
-    cmake --build --preset "$1"
+    cmake --build --preset "$1" ${2:+--target "${@:2}"}
 )

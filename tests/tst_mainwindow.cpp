@@ -7,11 +7,9 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDropEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
-#include <QMimeData>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -99,18 +97,10 @@ private:
 
     void Drop(const QStringList& paths)
     {
-        QMimeData data;
-        QList<QUrl> urls;
+        QStringList absolute;
         for (const QString& path : paths)
-            urls += QUrl::fromLocalFile(Home(path));
-        data.setUrls(urls);
-        QDragEnterEvent enter({9, 9}, Qt::MoveAction, &data, Qt::LeftButton, {});
-        QApplication::sendEvent(window.get(), &enter);
-        QVERIFY(enter.isAccepted());
-        QDropEvent drop({9, 9}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
-        drop.setDropAction(Qt::MoveAction);
-        QApplication::sendEvent(window.get(), &drop);
-        QCOMPARE(drop.dropAction(), Qt::CopyAction);
+            absolute += Home(path);
+        DropOn(*window, absolute);
     }
 
     void Press(int row, Qt::MouseButton button = Qt::LeftButton)
@@ -199,13 +189,14 @@ private slots:
                                << "lib/a.MP3 lib/b.mp3";
         QTest::newRow("folder, smallest first") << "Folder"
                                                 << "lib"
-                                                << "lib/b.mp3 lib/.h.ogg lib/a.MP3";
-        QTest::newRow("with subfolders") << "Folder with Subfolders"
-                                         << "lib"
-                                         << "lib/b.mp3 lib/.h.ogg lib/a.MP3 lib/sub/d.flac lib/sub/linked/f.spx";
+                                                << "lib/b2.mp3 lib/b.mp3 lib/.h.ogg lib/a.MP3";
+        QTest::newRow("with subfolders")
+            << "Folder with Subfolders"
+            << "lib"
+            << "lib/b2.mp3 lib/b.mp3 lib/.h.ogg lib/a.MP3 lib/sub/d.flac lib/sub/linked/f.spx";
         QTest::newRow("folders are dropped first") << ""
                                                    << "other/f.spx lib lib/b.mp3 lib/notes.txt"
-                                                   << "lib/b.mp3 lib/.h.ogg lib/a.MP3 lib/sub/d.flac "
+                                                   << "lib/b2.mp3 lib/b.mp3 lib/.h.ogg lib/a.MP3 lib/sub/d.flac "
                                                       "lib/sub/linked/f.spx other/f.spx";
     }
     void addsFiles()
@@ -215,6 +206,7 @@ private slots:
         QFETCH(QString, rows);
         PutSample("full.wav", Home("lib/a.MP3"));
         PutSample("full.mp3", Home("lib/b.mp3"));
+        PutSample("full.mp3", Home("lib/b2.mp3"));
         PutSample("bare.ogg", Home("lib/.h.ogg"));
         for (const char* other : {"lib/notes.txt", "lib/b.mp3.bak", "lib/nodot"})
             PutSample("bare.spx", Home(other));

@@ -3,9 +3,11 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
+#include <QDropEvent>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMimeData>
 #include <QPushButton>
 
 namespace
@@ -37,6 +39,22 @@ void Type(const QObject& parent, const char* lineEdit, const QString& text)
     edit->selectAll();
     QTest::keyClick(edit, Qt::Key_Delete);
     QTest::keyClicks(edit, text);
+}
+
+void DropOn(QWidget& window, const QStringList& paths)
+{
+    QMimeData data;
+    QList<QUrl> urls;
+    for (const QString& path : paths)
+        urls += QUrl::fromLocalFile(path);
+    data.setUrls(urls);
+    QDragEnterEvent enter({9, 9}, Qt::MoveAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(&window, &enter);
+    QVERIFY(enter.isAccepted());
+    QDropEvent drop({9, 9}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+    drop.setDropAction(Qt::MoveAction);
+    QApplication::sendEvent(&window, &drop);
+    QCOMPARE(drop.dropAction(), Qt::CopyAction);
 }
 
 Answers::Answers(QList<Answer> inOrder) : answers(std::move(inOrder))

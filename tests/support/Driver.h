@@ -24,6 +24,8 @@ void Click(const QObject& parent, const char* button);
 void Choose(const QObject& parent, const char* comboBox, int index);
 /// Replaces the text of a line edit by typing.
 void Type(const QObject& parent, const char* lineEdit, const QString& text);
+/// Drops files and folders on @p window, offered to be moved, as a file manager does.
+void DropOn(QWidget& window, const QStringList& paths);
 
 using Answer = std::function<void(QWidget*)>;
 
