@@ -1,18 +1,18 @@
 #include "app/MainWindow.h"
-#include "dialogs/ListAudioFiles.h"
+#include "app/ProfileFile.h"
 #include "platform/UserSettings.h"
 #include "support/AudioSamples.h"
 #include "support/Driver.h"
 #include "support/Sandbox.h"
 
-#include <QCheckBox>
+#include <QBuffer>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
+#include <QListWidget>
+#include <QMediaPlayer>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QRadioButton>
 
 namespace
 {
@@ -20,8 +20,9 @@ const QStringList addEntries{"File(s)", "Folder", "Folder with Subfolders", "Sea
 const QStringList removeEntries{"Selected", "All"};
 const QStringList listEntries{"Edit Tags", "Batch Edit Tags", "-", "Remove"};
 const QString clearedInfo = "Artist:\nTitle:\nAlbum:\nYear:\nGenre:\nTrack:";
-const QString overwriteSettings = "This will overwrite your current settings. Continue?";
-const QString saveSettings = "You have unsaved changes. Do you want to save your settings?";
+const QString advice =
+    "\nOrvanto could not fix the invalid tags. For better results try to manually edit the tags or try a "
+    "different organize/rename pattern.";
 const QString deleteOriginals =
     "You have chosen to delete the original files after processing. The files with processing errors will not be "
     "deleted. Even so, we advise you to make backup copies of the original files before proceeding. Continue?";
@@ -31,24 +32,24 @@ QString Home(const QString& path)
     return Sandbox::Home() + '/' + path;
 }
 
-Answer Success()
-{
-    return Box(QMessageBox::Information, "Operation finished successfully!", QMessageBox::Ok, QMessageBox::Ok);
-}
+const Answer success =
+    Box(QMessageBox::Information, "Operation finished successfully!", QMessageBox::Ok, QMessageBox::Ok);
+const Answer closeSocial = Dialog("Give Us a Like", [](QWidget* shown) { shown->close(); });
 
-Answer Social()
+/// Types into the line edits of a dialog and clicks a button there.
+Answer Fill(const QString& title, const QMap<QString, QString>& texts, const char* button)
 {
-    return CloseWindow("Give Us a Like");
-}
-
-/// Types @p tags ("editTitle" → text) into the tag editor and clicks @p button there.
-Answer Edit(const QString& title, const QMap<const char*, QString>& tags, const char* button)
-{
-    return Dialog(title, [=](QWidget* editor) {
-        for (auto tag = tags.begin(); tag != tags.end(); ++tag)
-            Type(*editor, tag.key(), tag.value());
-        Click(*editor, button);
+    return Dialog(title, [=](QWidget* dialog) {
+        for (auto text = texts.begin(); text != texts.end(); ++text)
+            Type(*dialog, qPrintable(text.key()), text.value());
+        Click(*dialog, button);
     });
+}
+
+Answer ExitPrompt(QMessageBox::StandardButton answer)
+{
+    return Box(QMessageBox::Question, "You have unsaved changes. Do you want to save your settings?",
+               QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, answer);
 }
 } // namespace
 
@@ -64,7 +65,7 @@ private:
     {
         return Child<Widget>(*window, name);
     }
-    ListAudioFiles& List() const { return *Get<ListAudioFiles>("listAudioFiles"); }
+    QListWidget& List() const { return *Get<QListWidget>("listAudioFiles"); }
     QString Preview() const { return Get<QLineEdit>("editOutputPreview")->text(); }
     QString Info() const { return Get<QLabel>("textInfo")->text(); }
     bool IsIdle() const
@@ -72,35 +73,28 @@ private:
         bool idle = !Get<QProgressBar>("progressOrganize")->isEnabled();
         for (const char* name : {"buttonOrganize", "listAudioFiles", "buttonAdd", "buttonRemove"})
             idle = idle && Get<QWidget>(name)->isEnabled();
-        return idle && Get<QLabel>("textProgress")->text().isEmpty();
+        return idle && Get<QLabel>("textProgress")->text().isEmpty() &&
+               Get<QProgressBar>("progressOrganize")->value() == 0;
     }
 
     /// The rows, relative to the home folder.
-    QStringList Rows() const
+    QString Rows() const
     {
         QStringList rows;
         for (int row = 0; row < List().count(); ++row)
-            rows += List().item(row)->text().remove(Sandbox::Home() + '/');
-        return rows;
+            rows += List().item(row)->text().remove(Home(""));
+        return rows.join('|');
     }
 
     /// Every file below @p folder of the home folder, relative to it and sorted.
-    static QStringList Tree(const QString& folder)
+    static QString Tree(const QString& folder)
     {
         QStringList paths;
         QDirIterator entries(Home(folder), QDir::Files, QDirIterator::Subdirectories);
         while (entries.hasNext())
             paths += entries.next().remove(Home(folder) + '/');
         paths.sort();
-        return paths;
-    }
-
-    void Drop(const QStringList& paths)
-    {
-        QStringList absolute;
-        for (const QString& path : paths)
-            absolute += Home(path);
-        DropOn(*window, absolute);
+        return paths.join('|');
     }
 
     void Press(int row, Qt::MouseButton button = Qt::LeftButton)
@@ -110,36 +104,35 @@ private:
         QTest::mouseClick(List().viewport(), button, {}, point);
     }
 
-    /// Chooses from the list menu, which a right click on @p row opens; @p answers follow.
-    void ChooseFromList(int row, const QString& entry, const QList<Answer>& answers)
-    {
-        Answers dialogs(QList<Answer>{Entry(listEntries, entry)} + answers);
-        Press(row, Qt::RightButton);
-        emit List().customContextMenuRequested({}); // the event that the window system sends after the press
-        dialogs.Finish();
-    }
-
-    void ChooseFromButton(const char* button, const QString& entry, const QList<Answer>& answers)
-    {
-        Answers dialogs(QList<Answer>{Entry(qstrcmp(button, "buttonAdd") == 0 ? addEntries : removeEntries, entry)} +
-                        answers);
-        Click(*window, button);
-        dialogs.Finish();
-    }
-
-    void Run(const QList<Answer>& answers)
+    /// Does something that dialogs and menus follow, which @p answers answer.
+    void Do(const std::function<void()>& action, const QList<Answer>& answers)
     {
         Answers dialogs(answers);
-        Click(*window, "buttonOrganize");
+        action();
         QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), 20000);
         dialogs.Finish();
     }
-
+    void FromList(int row, const QString& entry, const QList<Answer>& answers)
+    {
+        Do(
+            [&] {
+                Press(row, Qt::RightButton);
+                emit List().customContextMenuRequested({}); // what the window system sends after the press
+            },
+            QList<Answer>{Entry(listEntries, entry)} + answers);
+    }
+    void FromButton(const char* button, const QString& entry, const QList<Answer>& answers)
+    {
+        const QStringList& entries = addEntries.contains(entry) ? addEntries : removeEntries;
+        Do([&] { Click(*window, button); }, QList<Answer>{Entry(entries, entry)} + answers);
+    }
+    void Run(const QList<Answer>& answers)
+    {
+        Do([&] { Click(*window, "buttonOrganize"); }, answers);
+    }
     void Trigger(const char* action, const QList<Answer>& answers)
     {
-        Answers dialogs(answers);
-        Get<QAction>(action)->trigger();
-        dialogs.Finish();
+        Do([&] { Get<QAction>(action)->trigger(); }, answers);
     }
 
 private slots:
@@ -154,26 +147,25 @@ private slots:
     void cleanup()
     {
         window.reset();
-        QCOMPARE(Sandbox::TakeWarnings(), QStringList());
+        QCOMPARE(Sandbox::TakeWarnings(), QStringList()); // a slot that is bound to nothing shows only so
     }
 
     void startsInItsDefaultState()
     {
         QCOMPARE(window->windowTitle(), QString("Orvanto"));
         QCOMPARE(window->size(), QSize(780, 560));
-        QCOMPARE(Get<QComboBox>("comboOrganizeBy")->currentText(), QString("Artist"));
         QCOMPARE(Get<QComboBox>("comboOrganizeBy")->count(), 16);
+        QCOMPARE(Get<QComboBox>("comboOrganizeBy")->currentText(), QString("Artist"));
         QCOMPARE(Get<QComboBox>("comboRename")->currentText(), QString("Artist-Title"));
         QCOMPARE(Get<QComboBox>("comboRename")->itemText(6), QString("Custom"));
-        QVERIFY(Get<QRadioButton>("radioFixAuto")->isChecked());
-        QVERIFY(Get<QCheckBox>("checkOnlyEditInvalid")->isChecked());
-        QVERIFY(!Get<QCheckBox>("checkOnlyEditInvalid")->isEnabled());
+        QVERIFY(Get<QAbstractButton>("radioFixAuto")->isChecked());
+        QVERIFY(Get<QAbstractButton>("checkOnlyEditInvalid")->isChecked() &&
+                !Get<QWidget>("checkOnlyEditInvalid")->isEnabled());
         QCOMPARE(Get<QLineEdit>("editOutputFolder")->text(), Home("Music"));
         QCOMPARE(Info(), clearedInfo);
         QVERIFY(IsIdle() && !Get<QWidget>("groupAudioPlayer")->isVisible());
-        QVERIFY(!window->windowIcon().isNull());
-        QVERIFY(Get<QLabel>("label")->testAttribute(Qt::WA_MacSmallSize));
-        QVERIFY(!Get<QPushButton>("buttonAdd")->testAttribute(Qt::WA_MacSmallSize));
+        QVERIFY(Get<QLabel>("label")->testAttribute(Qt::WA_MacSmallSize) &&
+                !Get<QPushButton>("buttonAdd")->testAttribute(Qt::WA_MacSmallSize));
         for (const char* button : {"buttonAdd", "buttonRemove", "buttonPlay", "buttonStop", "buttonOrganize"})
             QVERIFY2(!Get<QPushButton>(button)->icon().isNull(), button);
         Run({Warning("There are no audio files to process.")});
@@ -181,40 +173,38 @@ private slots:
 
     void addsFiles_data()
     {
-        QTest::addColumn<QString>("entry"); // of the add menu; a drop without
-        QTest::addColumn<QString>("choice");
-        QTest::addColumn<QString>("rows");
-        QTest::newRow("files") << "File(s)"
-                               << "lib/a.MP3 lib/notes.txt lib/b.mp3 lib/a.MP3"
-                               << "lib/a.MP3 lib/b.mp3";
-        QTest::newRow("folder, smallest first") << "Folder"
-                                                << "lib"
-                                                << "lib/b2.mp3 lib/b.mp3 lib/.h.ogg lib/a.MP3";
-        QTest::newRow("with subfolders")
-            << "Folder with Subfolders"
-            << "lib"
-            << "lib/b2.mp3 lib/b.mp3 lib/.h.ogg lib/a.MP3 lib/sub/d.flac lib/sub/linked/f.spx";
-        QTest::newRow("folders are dropped first") << ""
-                                                   << "other/f.spx lib lib/b.mp3 lib/notes.txt"
-                                                   << "lib/b2.mp3 lib/b.mp3 lib/.h.ogg lib/a.MP3 lib/sub/d.flac "
-                                                      "lib/sub/linked/f.spx other/f.spx";
+        for (const char* column : {"choice", "key", "rows"})
+            QTest::addColumn<QString>(column);
+        const QString folder =
+            "lib/b2.mp3|lib/b.mp3|lib/.h.ogg|lib/a.MP3"; // the smallest first, of equals the last name
+        const QString subfolders = folder + "|lib/sub/d.flac|lib/sub/linked/f.spx";
+        QTest::newRow("File(s)") << "lib/a.MP3|lib/notes.txt|lib/b.mp3|lib/a.MP3"
+                                 << "AddFilesPath"
+                                 << "lib/a.MP3|lib/b.mp3";
+        QTest::newRow("Folder") << "lib"
+                                << "AddFolderPath" << folder;
+        QTest::newRow("Folder with Subfolders") << "lib"
+                                                << "AddFolderPath" << subfolders;
+        QTest::newRow("Search") << "lib"
+                                << "SearchFolderPath"
+                                << "lib/sub/d.flac";
+        QTest::newRow("drop") << "other/f.spx|lib|lib/b.mp3|lib/notes.txt"
+                              << "" << subfolders + "|other/f.spx";
     }
     void addsFiles()
     {
-        QFETCH(QString, entry);
+        const QString way = QTest::currentDataTag();
         QFETCH(QString, choice);
-        QFETCH(QString, rows);
+        QFETCH(QString, key);
         PutSample("full.wav", Home("lib/a.MP3"));
-        PutSample("full.mp3", Home("lib/b.mp3"));
-        PutSample("full.mp3", Home("lib/b2.mp3"));
+        for (const char* name :
+             {"lib/b.mp3", "lib/b2.mp3", "lib/notes.txt", "lib/b.mp3.bak", "lib/nodot", "lib/.hidden/e.wv"})
+            PutSample("full.mp3", Home(name));
         PutSample("bare.ogg", Home("lib/.h.ogg"));
-        for (const char* other : {"lib/notes.txt", "lib/b.mp3.bak", "lib/nodot"})
-            PutSample("bare.spx", Home(other));
         PutSample("full.flac", Home("lib/sub/d.flac"));
-        PutSample("full.wv", Home("lib/.hidden/e.wv"));
         PutSample("full.spx", Home("other/f.spx"));
-        QVERIFY(QFile::link(Home("lib/b.mp3"), Home("lib/link.mp3")));
-        QVERIFY(QFile::link(Home("other"), Home("lib/sub/linked")));
+        QVERIFY(QFile::link(Home("lib/b.mp3"), Home("lib/link.mp3")) &&
+                QFile::link(Home("other"), Home("lib/sub/linked")));
 
         bool busySeen = false;
         QTimer watch;
@@ -222,105 +212,102 @@ private slots:
             if (Get<QLabel>("textProgress")->text() != "Updating audio file list..." || IsIdle())
                 return;
             busySeen = true;
-            Drop({"lib/nodot", "lib/.hidden"}); // adds nothing while files are being added
+            DropOn(*window, {Home("lib/nodot"), Home("lib/.hidden")}); // adds nothing while files are being added
         });
         watch.start(0);
 
-        QStringList chosen;
-        for (const QString& path : choice.split(' '))
-            chosen += Home(path);
-        const bool isFiles = entry == "File(s)";
-        for (int twice = 0; twice < 2; ++twice) {
-            if (entry.isEmpty())
-                Drop(choice.split(' '));
+        QStringList chosen = choice.split('|');
+        chosen.replaceInStrings(QRegularExpression("^"), Home(""));
+        const QString caption = way == "File(s)" ? "Select one or more files to open" : "Select folder";
+        for (int time = 0; time < 2; ++time) {
+            if (way == "drop")
+                DropOn(*window, chosen);
+            else if (way != "Search")
+                FromButton("buttonAdd", way, {Files(caption, chosen)});
             else
-                ChooseFromButton("buttonAdd", entry,
-                                 {Files(isFiles ? "Select one or more files to open" : "Select folder", chosen)});
-            QCOMPARE(Rows().join(' '), rows);
+                FromButton("buttonAdd", way, {Dialog("Search", [&](QWidget* search) {
+                               Type(*search, "editSearchPath", QString(chosen.first()).replace('/', '\\'));
+                               Choose(*search, "comboSearchMask", 3);
+                               if (time == 0)
+                                   Click(*search, "checkSearchSubfolders");
+                               Click(*search, "buttonOK");
+                           })});
+            QTEST(Rows(), "rows");
             QVERIFY(IsIdle() && busySeen);
-            QCOMPARE(Get<QProgressBar>("progressOrganize")->value(), 0);
         }
-        if (!entry.isEmpty()) {
-            QCOMPARE(OpenSettings().value(isFiles ? "AddFilesPath" : "AddFolderPath").toString(), Home("lib"));
-            ChooseFromButton("buttonAdd", entry,
-                             {Files(isFiles ? "Select one or more files to open" : "Select folder", {})});
-            QCOMPARE(Rows().join(' '), rows);
+        if (way == "Search") { // all types are accepted again
+            DropOn(*window, {Home("other")});
+            QVERIFY(Rows().endsWith("|other/f.spx"));
+        } else if (way != "drop") {
+            FromButton("buttonAdd", way, {Files(caption, {})});
+            QTEST(Rows(), "rows");
         }
+        QVERIFY(key.isEmpty() || OpenSettings().value(key).toString() == Home("lib"));
     }
 
     void selectsAndRemoves()
     {
-        PutSample("full.mp3", Home("x/1.mp3"));
-        PutSample("bare.ogg", Home("x/2.ogg"));
-        PutSample("bare.wv", Home("x/3.wv"));
-        Drop({"x/1.mp3", "x/2.ogg", "x/3.wv"});
+        for (const char* name : {"1.mp3", "2.ogg", "3.wv"})
+            PutSample((*name == '1' ? "full" : "bare") + QString(name + 1), Home("x/" + QString(name)));
+        DropOn(*window, {Home("x/1.mp3"), Home("x/2.ogg"), Home("x/3.wv")});
         Press(0);
-        QCOMPARE(Info(),
-                 QString("Artist: Björk Ärger\nTitle: Tone of Ten\nAlbum: Small Files\nYear: 1999\nGenre: Rock\n"
-                         "Track: 7"));
+        const QString full =
+            "Artist: Björk Ärger\nTitle: Tone of Ten\nAlbum: Small Files\nYear: 1999\nGenre: Rock\nTrack: 7";
+        QCOMPARE(Info(), full);
         QCOMPARE(Preview(), Home("Music/Björk Ärger/Björk Ärger-Tone of Ten.mp3"));
-        Press(1);
+        QTest::keyClick(&List(), Qt::Key_Down);
         QCOMPARE(Info(), QString("Artist: \nTitle: \nAlbum: \nYear: 0\nGenre: \nTrack: 0"));
         QCOMPARE(Preview(), Home("Music/Artist/Artist-Title.ogg"));
+
+        Outside outside;
+        Press(0);
+        QTest::mouseDClick(List().viewport(), Qt::LeftButton, {}, List().visualItemRect(List().item(0)).center());
+        QCOMPARE(outside.opened, QStringList("file://" + Home("x/1.mp3")));
 
         const auto sure = [](QMessageBox::StandardButton answer) {
             return Question("Are you sure you want to remove the selected file?", answer);
         };
-        ChooseFromButton("buttonRemove", "Selected", {sure(QMessageBox::No)});
-        QCOMPARE(Rows().size(), 3);
-        ChooseFromList(1, "Remove", {sure(QMessageBox::Yes)});
-        QCOMPARE(Rows(), QStringList({"x/1.mp3", "x/3.wv"}));
-        QCOMPARE(Info(), clearedInfo);
-        QCOMPARE(Preview(), QString());
+        FromButton("buttonRemove", "Selected", {sure(QMessageBox::No)});
+        FromList(1, "Remove", {sure(QMessageBox::Yes)});
+        QCOMPARE(Rows(), QString("x/1.mp3|x/3.wv"));
+        QVERIFY(Info() == clearedInfo && Preview().isEmpty());
         // Without a new press, the file that moved up is next; past the end, nothing goes.
-        ChooseFromButton("buttonRemove", "Selected", {sure(QMessageBox::Yes)});
-        ChooseFromButton("buttonRemove", "Selected", {sure(QMessageBox::Yes)});
-        QCOMPARE(Rows(), QStringList("x/1.mp3"));
+        FromButton("buttonRemove", "Selected", {sure(QMessageBox::Yes)});
+        FromButton("buttonRemove", "Selected", {sure(QMessageBox::Yes)});
+        QCOMPARE(Rows(), QString("x/1.mp3"));
 
         // A removed file can be added again, and rows still find their records.
-        Drop({"x/3.wv"});
+        DropOn(*window, {Home("x/3.wv")});
         Press(1);
         QVERIFY(Preview().endsWith(".wv"));
         const QString all = "Are you sure you want to remove all the files in the list?";
-        ChooseFromButton("buttonRemove", "All", {Question(all, QMessageBox::No)});
-        QCOMPARE(Rows().size(), 2);
-        ChooseFromButton("buttonRemove", "All", {Question(all, QMessageBox::Yes)});
-        QCOMPARE(Rows().size(), 0);
-        ChooseFromButton("buttonRemove", "All", {});
-        ChooseFromButton("buttonRemove", "Selected", {});
+        FromButton("buttonRemove", "All", {Question(all, QMessageBox::No)});
+        QCOMPARE(List().count(), 2);
+        FromButton("buttonRemove", "All", {Question(all, QMessageBox::Yes)});
+        QCOMPARE(List().count(), 0);
+        FromButton("buttonRemove", "All", {});
+        FromButton("buttonRemove", "Selected", {});
         emit List().customContextMenuRequested({}); // no menu over no file
     }
 
     void settingsSteerThePreview()
     {
-        PutSample("full.mp3", Home("x/1.mp3"));
-        Drop({"x/1.mp3"});
+        DropOn(*window, {PutSample("full.mp3", Home("x/1.mp3"))});
         Press(0);
         Choose(*window, "comboOrganizeBy", 10);
-        Type(*window, "editOutputFolder", "C:\\Music\\Out");
-        QCOMPARE(Get<QLineEdit>("editOutputFolder")->text(), QString("C:\\Music\\Out"));
-        QCOMPARE(Preview(), QString("C:/Music/Out/Rock/Björk Ärger/Small Files/Björk Ärger-Tone of Ten.mp3"));
-        QCOMPARE(OpenSettings().value("OutputFolderPath").toString(), QString("C:/Music/Out"));
+        Type(*window, "editOutputFolder", "C:\\Out\\");
+        QCOMPARE(Get<QLineEdit>("editOutputFolder")->text(), QString("C:\\Out\\"));
+        QCOMPARE(Preview(), QString("C:/Out/Rock/Björk Ärger/Small Files/Björk Ärger-Tone of Ten.mp3"));
+        QCOMPARE(OpenSettings().value("OutputFolderPath").toString(), QString("C:/Out/"));
         QCOMPARE(window->windowTitle(), QString("Orvanto*"));
 
-        {
-            Answers dialogs({Edit("Custom Rename", {{"editRenameScheme", "[Title]."}}, "buttonCancel")});
-            Choose(*window, "comboRename", 6);
-            dialogs.Finish();
-        }
-        QCOMPARE(Get<QComboBox>("comboRename")->currentIndex(), 6);
+        const auto chooseCustom = [this] { Choose(*window, "comboRename", 6); };
+        Do(chooseCustom, {Fill("Custom Rename", {{"editRenameScheme", "[Title]."}}, "buttonCancel")});
         QVERIFY(Preview().endsWith("/7 Björk Ärger-Tone of Ten (Small Files, 1999, Rock).mp3"));
-        {
-            Answers dialogs({Edit("Custom Rename", {{"editRenameScheme", "[Title] [x]"}}, "buttonOK")});
-            Choose(*window, "comboRename", 6);
-            dialogs.Finish();
-        }
+        Do(chooseCustom, {Fill("Custom Rename", {{"editRenameScheme", "[Title] [x]"}}, "buttonOK")});
         QVERIFY(Preview().endsWith("/Tone of Ten [x].mp3"));
-        {
-            Answers dialogs({Files("Select folder", {Home("Documents")}), Files("Select folder", {})});
-            Click(*window, "buttonBrowseOutFold");
-            Click(*window, "buttonBrowseOutFold");
-        }
+        for (const QStringList& answer : {QStringList(Home("Documents")), QStringList()})
+            Do([this] { Click(*window, "buttonBrowseOutFold"); }, {Files("Select folder", answer)});
         QVERIFY(Preview().startsWith(Home("Documents/Rock")));
         QCOMPARE(OpenSettings().value("OutputFolderPath").toString(), Home("Documents"));
 
@@ -331,9 +318,9 @@ private slots:
                 QCOMPARE(Get<QWidget>(name)->isEnabled(), !skip);
         }
         Click(*window, "radioFixMan");
-        QVERIFY(Get<QCheckBox>("checkOnlyEditInvalid")->isEnabled());
+        QVERIFY(Get<QWidget>("checkOnlyEditInvalid")->isEnabled());
         Click(*window, "radioFixAuto");
-        QVERIFY(!Get<QCheckBox>("checkOnlyEditInvalid")->isEnabled());
+        QVERIFY(!Get<QWidget>("checkOnlyEditInvalid")->isEnabled());
         QCOMPARE(window->windowTitle(), QString("Orvanto*"));
     }
 
@@ -341,184 +328,293 @@ private slots:
     {
         const QString first = PutSample("full.mp3", Home("x/1.mp3"));
         const QString second = PutSample("bare.flac", Home("x/2.flac"));
-        Drop({"x/1.mp3", "x/2.flac"});
+        DropOn(*window, {first, second});
         const QByteArray before = Bytes(first);
-        ChooseFromList(0, "Edit Tags", {Edit("Edit Tags", {{"editTitle", "New"}}, "buttonAbort")});
-        ChooseFromList(0, "Edit Tags", {CloseWindow("Edit Tags")}); // writes what the file holds already
+        FromList(0, "Edit Tags", {Fill("Edit Tags", {{"editTitle", "New"}}, "buttonAbort")});
+        FromList(0, "Edit Tags", {Dialog("Edit Tags", [](QWidget* shown) { shown->close(); })});
         QVERIFY(Bytes(first) == before);
-        ChooseFromList(0, "Edit Tags", {Edit("Edit Tags", {{"editTitle", "New"}, {"editYear", "MCM"}}, "buttonOK")});
+        FromList(0, "Edit Tags", {Fill("Edit Tags", {{"editTitle", "New"}, {"editYear", "MCM"}}, "buttonOK")});
         QVERIFY(Info().contains("Title: New\nAlbum: Small Files\nYear: MCM\n"));
-        QCOMPARE(TagManager().ReadFile(first).Title, QString("New"));
-        QCOMPARE(TagManager().ReadFile(first).Year, QString("0"));
+        QVERIFY(TagManager().ReadFile(first).Title == "New" && TagManager().ReadFile(first).Year == "0");
 
-        const QMap<const char*, QString> batch{{"editGenre", ""}, {"editArtist", "All"}};
-        const auto sure = [](QMessageBox::StandardButton answer) {
-            return Question("Are you sure you want to apply these tags to all the audio files in the list?", answer);
-        };
-        const QString title = "Batch Edit Tags";
-        ChooseFromList(1, title, {Edit(title, batch, "buttonAbort")});
-        ChooseFromList(1, title, {Edit(title, batch, "buttonOK"), sure(QMessageBox::No)});
+        const QString batch = "Batch Edit Tags";
+        const QMap<QString, QString> texts{{"editGenre", ""}, {"editArtist", "All"}};
+        const QString sure = "Are you sure you want to apply these tags to all the audio files in the list?";
+        FromList(1, batch, {Fill(batch, texts, "buttonAbort")});
+        FromList(1, batch, {Fill(batch, texts, "buttonOK"), Question(sure, QMessageBox::No)});
         QCOMPARE(TagManager().ReadFile(first).Genre, QString("Rock"));
-        ChooseFromList(1, title, {Edit(title, batch, "buttonOK"), sure(QMessageBox::Yes)});
+        FromList(1, batch, {Fill(batch, texts, "buttonOK"), Question(sure, QMessageBox::Yes)});
         QCOMPARE(Info(), QString("Artist: All\nTitle: \nAlbum: \nYear: 0\nGenre: \nTrack: 0"));
-        QCOMPARE(TagManager().ReadFile(first).Genre, QString());
-        QCOMPARE(TagManager().ReadFile(first).Title, QString("New"));
+        QVERIFY(TagManager().ReadFile(first).Genre.isEmpty() && TagManager().ReadFile(first).Title == "New");
         QCOMPARE(TagManager().ReadFile(second).Artist, QString("All"));
     }
 
     void runs_data()
     {
-        QTest::addColumn<QByteArray>("mode"); // the radio button to click
-        QTest::addColumn<bool>("everyFile");
-        QTest::addColumn<QByteArray>("button");
-        QTest::addColumn<QStringList>("tree");
-        const QStringList both{"Ann/Ann- Song.mp3", "Björk Ärger/Björk Ärger-Tone of Ten.ogg"};
-        const QByteArray automatic("radioFixAuto");
-        const QByteArray manual("radioFixMan");
-        QTest::newRow("automatic, OK") << automatic << false << QByteArray("buttonOK") << both;
-        QTest::newRow("automatic, Skip") << automatic << false << QByteArray("buttonSkip") << both;
-        QTest::newRow("automatic, closed") << automatic << false << QByteArray() << both;
-        QTest::newRow("automatic, Abort") << automatic << false << QByteArray("buttonAbort") << QStringList();
-        QTest::newRow("manual, OK") << manual << false << QByteArray("buttonOK")
-                                    << QStringList{both.last(), "New/New-Typed.mp3"};
-        QTest::newRow("every file, Skip") << manual << true << QByteArray("buttonSkip") << QStringList{both.last()};
+        for (const char* column : {"mode", "button", "tree"})
+            QTest::addColumn<QString>(column);
+        const QString whole = "Björk Ärger/Björk Ärger-Tone of Ten.ogg";
+        const QString both = "Ann/Ann- Song.mp3|" + whole;
+        QTest::newRow("OK") << "radioFixAuto"
+                            << "buttonOK" << both;
+        QTest::newRow("Skip") << "radioFixAuto"
+                              << "buttonSkip" << both;
+        QTest::newRow("closed") << "radioFixAuto"
+                                << "" << both;
+        QTest::newRow("Abort") << "radioFixAuto"
+                               << "buttonAbort"
+                               << "";
+        QTest::newRow("manual") << "radioFixMan"
+                                << "buttonOK" << whole + "|New/New-Typed.mp3";
+        QTest::newRow("manual, every file") << "radioFixMan every"
+                                            << "buttonSkip" << whole;
     }
     void runs()
     {
-        QFETCH(QByteArray, mode);
-        QFETCH(bool, everyFile);
-        QFETCH(QByteArray, button);
-        QFETCH(QStringList, tree);
+        QFETCH(QString, mode);
+        QFETCH(QString, button);
         const QString broken = PutSample("bare.mp3", Home("in/Ann - Song.mp3"));
         PutSample("full.ogg", Home("in/z.ogg"));
         TagManager tags;
         tags.path = broken;
-        tags.SetInfo(Tag::Genre, "www.spam.com"); // is erased, so that the editor shows no genre
-        Drop({"in"});
+        tags.SetInfo(Tag::Genre, "www.spam.com"); // is erased before the editor shows it
+        DropOn(*window, {Home("in")});
         Type(*window, "editOutputFolder", Home("out//"));
-        Click(*window, mode);
-        if (everyFile)
+        Click(*window, qPrintable(mode.section(' ', 0, 0)));
+        const bool automatic = mode == "radioFixAuto";
+        const bool every = mode.endsWith("every");
+        if (every)
             Click(*window, "checkOnlyEditInvalid");
 
-        const bool automatic = mode == "radioFixAuto";
-        int editors = 0;
         const Answer answer = Dialog("Edit Tags", [&](QWidget* editor) {
-            ++editors;
-            const bool brokenShown = Child<QLabel>(*editor, "textFilePath")->text() == broken;
-            QCOMPARE(Child<QLineEdit>(*editor, "editArtist")->text(), QString(!brokenShown ? "Björk Ärger"
-                                                                              : automatic  ? "Ann"
-                                                                                           : ""));
-            QCOMPARE(Child<QLineEdit>(*editor, "editGenre")->text(), QString(brokenShown ? "" : "Rock"));
-            QCOMPARE(Child<QLabel>(*editor, "fileLabel")->text(),
-                     QString(everyFile ? "Audio file:" : "The following file has incomplete/invalid tags:"));
+            const auto text = [editor](const char* name) {
+                return Child<QWidget>(*editor, name)->property("text").toString();
+            };
+            const bool isBroken = text("textFilePath") == broken;
+            QCOMPARE(text("editArtist"), QString(!isBroken ? "Björk Ärger" : automatic ? "Ann" : ""));
+            QCOMPARE(text("editGenre"), QString(isBroken ? "" : "Rock"));
+            QCOMPARE(text("fileLabel"),
+                     QString(every ? "Audio file:" : "The following file has incomplete/invalid tags:"));
             QCOMPARE(Get<QLabel>("textProgress")->text(), QString("Processing..."));
-            if (!automatic && button == "buttonOK") {
+            DropOn(*window, {Home("in")}); // adds nothing during a run
+            if (mode == "radioFixMan") {
                 Type(*editor, "editArtist", "New");
                 Type(*editor, "editTitle", "Typed");
             }
-            if (!button.isEmpty())
-                Click(*editor, button);
-            else
+            if (button.isEmpty())
                 editor->close();
+            else
+                Click(*editor, qPrintable(button));
         });
-        QList<Answer> answers{answer};
-        if (everyFile)
-            answers += answer;
-        if (everyFile) { // skipped without artist and title
-            const QString report = "Could not copy the following:\n\n" + broken + "\n";
-            answers += Warning(report + "\nOrvanto could not fix the invalid tags. For better results try to manually "
-                                        "edit the tags or try a different organize/rename pattern.",
-                               "Log");
-        } else {
-            answers += Success();
-        }
-        Run(answers + QList<Answer>{Social()});
-        QCOMPARE(editors, everyFile ? 2 : 1);
-        QCOMPARE(Tree("out"), tree);
-        QCOMPARE(Rows().size(), 2);
+        if (every) // skipped without artist and title
+            Run({answer, answer, Warning("Could not copy the following:\n\n" + broken + '\n' + advice, "Log"),
+                 closeSocial});
+        else
+            Run({answer, success, closeSocial});
+        QTEST(Tree("out"), "tree");
+        QCOMPARE(List().count(), 2);
         QCOMPARE(tags.ReadFile(broken).Genre, QString());
+        QVERIFY(Info() == clearedInfo && Preview().isEmpty());
     }
 
     void logsEveryRun()
     {
-        const QString refused = PutSample("full.mp3", Home("in/An Unknown é.mp3"));
-        Drop({"in"});
-        Type(*window, "editOutputFolder", Home("out"));
+        Trigger("actionShow_Log",
+                {Warning("Could not open log. The log file will be created after the first processing session.")});
         OpenSettings().setValue("SkipSocial", 1);
-        Run({Success()});
+        const QString refused = PutSample("full.mp3", Home("in/An Unknown é.mp3"));
+        DropOn(*window, {refused});
+        Type(*window, "editOutputFolder", Home("out"));
+        Run({success});
         Choose(*window, "comboRename", 0);
         const QString report = "Could not copy the following:\n\n" + refused + "\n";
-        Run({Warning(report + "\nOrvanto could not fix the invalid tags. For better results try to manually edit the "
-                              "tags or try a different organize/rename pattern.",
-                     "Log")});
-        QString log = QString::fromUtf8(Bytes(Home("Documents/Orvanto/Orvanto.log")));
+        Run({Warning(report + advice, "Log")});
+
+        const QString path = Home("Documents/Orvanto/Orvanto.log");
+        QString log = QString::fromUtf8(Bytes(path));
         log.replace(QRegularExpression("\\d\\d\\.\\d\\d\\.\\d{4} \\d\\d:\\d\\d:\\d\\d"), "TIME");
         const QString dashes = "--------------------------------------------------------------\n";
         QCOMPARE(log, dashes + "TIME\n\nOperation finished successfully!\n" + dashes + '\n' + dashes + "TIME\n\n" +
                           report + dashes + '\n');
+        Outside outside;
+        Trigger("actionShow_Log", {});
+        QCOMPARE(outside.opened, QStringList("file://" + path));
 
-        // A folder in the log's place: the run itself is not affected, and neither are the controls.
-        QVERIFY(QFile::remove(Home("Documents/Orvanto/Orvanto.log")) &&
-                QDir().mkdir(Home("Documents/Orvanto/Orvanto.log")));
+        QVERIFY(QFile::remove(path) && QDir().mkdir(path)); // a folder in its place
         Run({Warning("Could not save log.")});
-        QCOMPARE(Rows(), QStringList("in/An Unknown é.mp3"));
+        QCOMPARE(Rows(), QString("in/An Unknown é.mp3"));
     }
 
     void deletesOriginals_data()
     {
-        QTest::addColumn<QString>("output");
-        QTest::addColumn<bool>("skip");
-        QTest::addColumn<QStringList>("left");
-        QTest::newRow("copied elsewhere") << "out/" << false << QStringList();
-        QTest::newRow("in place") << "in//" << false << QStringList{"1.mp3", "2.ogg"};
-        QTest::newRow("only tags") << "out" << true << QStringList{"1.mp3", "2.ogg"};
+        for (const char* column : {"output", "left", "copied"})
+            QTest::addColumn<QString>(column);
+        QTest::newRow("copied elsewhere") << "out//"
+                                          << ""
+                                          << "1.mp3|2.ogg";
+        QTest::newRow("in place") << "in//"
+                                  << "1.mp3|2.ogg"
+                                  << "";
+        QTest::newRow("only tags") << "out"
+                                   << "1.mp3|2.ogg"
+                                   << "";
     }
     void deletesOriginals()
     {
         QFETCH(QString, output);
-        QFETCH(bool, skip);
         PutSample("full.mp3", Home("in/1.mp3"));
         PutSample("full.ogg", Home("in/2.ogg"));
-        Drop({"in"});
+        DropOn(*window, {Home("in")});
         OpenSettings().setValue("SkipSocial", 1);
         Type(*window, "editOutputFolder", Home(output));
         Choose(*window, "comboOrganizeBy", 0);
         Choose(*window, "comboRename", 0);
         Click(*window, "checkDeleteOriginal");
+        const bool skip = output == "out";
         if (skip) {
             Click(*window, "checkSkipOrganize");
-            Run({Success()});
+            Run({success});
         } else {
             Run({Question(deleteOriginals, QMessageBox::No)});
-            QCOMPARE(Rows().size(), 2);
-            Run({Question(deleteOriginals, QMessageBox::Yes), Success()});
+            QCOMPARE(List().count(), 2);
+            Run({Question(deleteOriginals, QMessageBox::Yes), success});
         }
         QTEST(Tree("in"), "left");
-        QCOMPARE(Rows().size(), skip ? 2 : 0);
-        QCOMPARE(Tree("out").size(), output.startsWith("out") && !skip ? 2 : 0);
-        QCOMPARE(Info(), clearedInfo);
+        QTEST(Tree("out"), "copied");
+        QCOMPARE(List().count(), skip ? 2 : 0);
+    }
+
+    void profileText()
+    {
+        const SRunSettings settings{5, 6, "[x]=é", true, false, true, "/a=b", false};
+        const QByteArray text = "organizeBy=5\nrename=6\ncustomRenameScheme=[x]=é\nskipOrganize=1\ntagFixManual=0\n"
+                                "onlyEditInvalidTags=1\noutputFolder=/a=b\ndeleteOriginal=0\n";
+        QCOMPARE(ProfileText(settings), text);
+        const QByteArray rows[][2] = {
+            {text, text},
+            {"1\n=2 \nx\nyes\n-1\n2\nx=/o\r\nk=1", // by position, the key is not looked at
+             "organizeBy=1\nrename=2\ncustomRenameScheme=x\nskipOrganize=0\ntagFixManual=1\nonlyEditInvalidTags=1\n"
+             "outputFolder=/o\r\ndeleteOriginal=1\n"},
+            {"a= 3\t\nb=99", "organizeBy=3\nrename=99\ncustomRenameScheme=\nskipOrganize=0\ntagFixManual=0\n"
+                             "onlyEditInvalidTags=0\noutputFolder=\ndeleteOriginal=0\n"},
+            {QByteArray(1 << 20, '='), ProfileText({0, 0, "", false, false, false, "", false})},
+            {"\n\n\xff\n", ProfileText({0, 0, QString(QChar(0xFFFD)), false, false, false, "", false})},
+        };
+        for (const auto& [in, out] : rows) {
+            QBuffer buffer;
+            buffer.setData(in);
+            QVERIFY(buffer.open(QIODevice::ReadOnly));
+            QCOMPARE(ProfileText(ReadProfile(buffer)), out);
+            QVERIFY(buffer.pos() < 1 << 17);
+        }
+    }
+
+    void profiles()
+    {
+        const QString path = Home("Documents/Orvanto/Profiles/my.set.ovp");
+        const QString overwrite = "This will overwrite your current settings. Continue?";
+        Trigger("actionNew", {});
+        Choose(*window, "comboOrganizeBy", 3);
+        Click(*window, "radioFixMan");
+        Trigger("actionSave_Profile", {Files("Save profile", {})});
+        QCOMPARE(window->windowTitle(), QString("Orvanto*"));
+        Trigger("actionSave_Profile", {Files("Save profile", {path})});
+        QCOMPARE(window->windowTitle(), QString("Orvanto - my.set"));
+        Click(*window, "checkDeleteOriginal");
+        QCOMPARE(window->windowTitle(), QString("Orvanto - my.set*"));
+        Trigger("actionSave_Profile", {});
+        QVERIFY(Bytes(path).startsWith("organizeBy=3\nrename=2\n") && Bytes(path).endsWith("deleteOriginal=1\n"));
+
+        Trigger("actionNew", {Question(overwrite, QMessageBox::No)});
+        QCOMPARE(window->windowTitle(), QString("Orvanto - my.set"));
+        Trigger("actionNew", {Question(overwrite, QMessageBox::Yes)});
+        QCOMPARE(window->windowTitle(), QString("Orvanto"));
+        QCOMPARE(Get<QComboBox>("comboOrganizeBy")->currentIndex(), 1);
+        QVERIFY(!Get<QWidget>("checkOnlyEditInvalid")->isEnabled());
+
+        // Indices outside the tables are kept and harm nobody, and a custom scheme is not asked for.
+        QFile odd(Home("Documents/odd.ovp"));
+        QVERIFY(odd.open(QIODevice::WriteOnly) && odd.write("o=99\nr=6\nc=[Title]\n1\n1\n1\n/o\n1\n") > 0);
+        odd.close();
+        DropOn(*window, {PutSample("full.mp3", Home("x/1.mp3"))});
+        Press(0);
+        Choose(*window, "comboOrganizeBy", 0);
+        const QString loses = "Loading a profile will overwrite your current settings. Continue?";
+        Trigger("actionLoad_Profile", {Question(loses, QMessageBox::No)});
+        Trigger("actionLoad_Profile", {Question(loses, QMessageBox::Yes), Files("Load profile", {odd.fileName()})});
+        QCOMPARE(window->windowTitle(), QString("Orvanto - odd"));
+        QCOMPARE(Preview(), QString("/o/Tone of Ten.mp3"));
+        QCOMPARE(Get<QComboBox>("comboOrganizeBy")->currentIndex(), -1);
+        QVERIFY(!Get<QWidget>("comboRename")->isEnabled() && Get<QAbstractButton>("radioFixMan")->isChecked());
+        QCOMPARE(OpenSettings().value("OutputFolderPath").toString(), Home("Music"));
+        Trigger("actionSave_Profile", {});
+        QVERIFY(Bytes(odd.fileName()).startsWith("organizeBy=99\n"));
+        Click(*window, "radioFixAuto");
+        QCOMPARE(window->windowTitle(), QString("Orvanto - odd*"));
+
+        // A profile that cannot be written is tried again; one that cannot be read leaves changes unmarked.
+        QVERIFY(odd.remove() && QDir().mkdir(odd.fileName()));
+        Trigger("actionSave_Profile", {Warning("Could not save profile.")});
+        QVERIFY(QDir().rmdir(odd.fileName()));
+        Trigger("actionSave_Profile", {});
+        Trigger("actionLoad_Profile", {Files("Load profile", {})});
+        Click(*window, "radioFixMan");
+        QCOMPARE(window->windowTitle(), QString("Orvanto - odd"));
+        Trigger("actionLoad_Profile", {Files("Load profile", {path})});
+        Click(*window, "radioFixAuto");
+        QCOMPARE(window->windowTitle(), QString("Orvanto - my.set*"));
+    }
+
+    void exitPrompt_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<QString>("savedAs");
+        QTest::addColumn<bool>("quits");
+        QTest::newRow("Yes") << int(QMessageBox::Yes) << "p.ovp" << true;
+        QTest::newRow("Yes, but no name") << int(QMessageBox::Yes) << "" << true;
+        QTest::newRow("No") << int(QMessageBox::No) << "" << true;
+        QTest::newRow("Cancel") << int(QMessageBox::Cancel) << "" << false;
+        QTest::newRow("Escape") << int(QMessageBox::Escape) << "" << false;
+    }
+    void exitPrompt()
+    {
+        QFETCH(int, answer);
+        QFETCH(QString, savedAs);
+        Click(*window, "checkDeleteOriginal");
+        QList<Answer> answers{ExitPrompt(static_cast<QMessageBox::StandardButton>(answer))};
+        if (answer == QMessageBox::Yes)
+            answers += Files("Save profile", savedAs.isEmpty() ? QStringList() : QStringList(Home(savedAs)));
+        Answers dialogs(answers);
+        bool stayed = false;
+        QObject context;
+        QTimer::singleShot(0, &context, [&] {
+            window->close();
+            QTimer::singleShot(0, &context, [&] {
+                stayed = true;
+                QCoreApplication::exit();
+            });
+        });
+        QCoreApplication::exec();
+        dialogs.Finish();
+        QTEST(!stayed, "quits");
+        QCOMPARE(QFile::exists(Home("p.ovp")), !savedAs.isEmpty());
     }
 
     void quitsInMidRun()
     {
-        const QString path = PutSample("bare.mp3", Home("in/x.mp3"));
-        Drop({"in"});
-        Answers dialogs({Dialog("Edit Tags", [this](QWidget*) {
-            QVERIFY(!IsIdle());
-            Drop({"in"}); // adds nothing during a run
-            Get<QAction>("actionExit")->trigger();
-        })});
+        DropOn(*window, {PutSample("bare.mp3", Home("in/x.mp3"))});
+        Answers dialogs({Dialog("Edit Tags", [this](QWidget*) { Get<QAction>("actionExit")->trigger(); })});
         QTimer::singleShot(0, [this] { Click(*window, "buttonOrganize"); });
         QCOMPARE(QCoreApplication::exec(), 0);
         window.reset();
         dialogs.Finish();
-        QVERIFY(QFile::exists(path) && Tree("Music").isEmpty());
+        QCOMPARE(Tree("in") + Tree("Music"), QString("x.mp3"));
     }
 
     void quitsWhileFilesAreAdded()
     {
         for (int i = 0; i < 200; ++i)
-            PutSample("bare.spx", Home("in/" + QString::number(i) + ".spx"));
+            PutSample("bare.spx", Home(QString("in/%1.spx").arg(i)));
         Click(*window, "checkDeleteOriginal");
         QTimer watch;
         int turns = 0;
@@ -527,12 +623,56 @@ private slots:
                 window->close();
         });
         watch.start(0);
-        Answers dialogs({Box(QMessageBox::Question, saveSettings,
-                             QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::No)});
-        QTimer::singleShot(0, [this] { Drop({"in"}); });
+        Answers dialogs({ExitPrompt(QMessageBox::No)});
+        QTimer::singleShot(0, [this] { DropOn(*window, {Home("in")}); });
         QCOMPARE(QCoreApplication::exec(), 0);
         QVERIFY2(turns < 150, "the adding went on");
-        QVERIFY(OpenSettings().allKeys().isEmpty());
+    }
+
+    void help()
+    {
+        Outside outside;
+        const char* rows[][2] = {{"actionOnline_Help", "/help-mac.html"},
+                                 {"actionVideo_Tutorial", "/feature.html"},
+                                 {"actionOnline_Support", "/contact.html"},
+                                 {"actionVisit_Our_Website", ""}};
+        for (const auto& [action, page] : rows) {
+            Trigger(action, {});
+            QCOMPARE(outside.opened.takeFirst(), QString("http://www.orvanto.example") + page);
+        }
+        Trigger("actionAbout", {Dialog("About Us", [](QWidget* shown) { shown->close(); })});
+    }
+
+    void previewPlayer()
+    {
+        // Its controls stay hidden; they are pressed all the same.
+        const auto press = [this](const char* button) { Get<QPushButton>(button)->click(); };
+        press("buttonPlay");
+        press("buttonStop");
+        DropOn(*window, {PutSample("full.wav", Home("x/1.wav"))});
+        Press(0);
+        press("buttonPlay");
+        press("buttonPlay");
+        FromButton("buttonRemove", "All",
+                   {Question("Are you sure you want to remove all the files in the list?", QMessageBox::Yes)});
+        press("buttonPlay");
+        QVERIFY(Rows().isEmpty());
+        Sandbox::TakeWarnings(); // a machine without sound says so
+    }
+
+    void survivesGarbageInTheSettingsStore()
+    {
+        for (const char* key : {"OutputFolderPath", "AddFilesPath", "AddFolderPath", "SearchFolderPath",
+                                "SearchSubfolders", "SearchMask", "SkipSocial"})
+            OpenSettings().setValue(key, QVariantList{QByteArray("\xff\0", 2), 7});
+        window = std::make_unique<MainWindow>(nullptr);
+        window->show();
+        FromButton("buttonAdd", "Folder", {Files("Select folder", {})});
+        FromButton("buttonAdd", "Search", {Fill("Search", {}, "buttonOK")});
+        DropOn(*window, {PutSample("full.mp3", Home("x/1.mp3"))});
+        Type(*window, "editOutputFolder", Home("out"));
+        Run({success, closeSocial});
+        QCOMPARE(Tree("out"), QString("Björk Ärger/Björk Ärger-Tone of Ten.mp3"));
     }
 };
 

@@ -13,10 +13,8 @@ class TestNaming : public QObject
     Q_OBJECT
 
 private slots:
-    void layouts_data()
+    void layouts()
     {
-        QTest::addColumn<QString>("label");
-        QTest::addColumn<QString>("folders");
         const char* rows[][2] = {
             {"Don't organize", ""},
             {"Artist", "/AC DC"},
@@ -35,109 +33,71 @@ private slots:
             {"Album", "/Al bum"},
             {"Album/Artist", "/Al bum/AC DC"},
         };
-        for (const auto& row : rows)
-            QTest::newRow(row[0]) << row[0] << row[1];
-    }
-    void layouts()
-    {
-        QFETCH(QString, folders);
-        static int index = 0;
-        QTEST(QString(organizeChoices[static_cast<std::size_t>(index)].label), "label");
-        QCOMPARE(BuildFolderPath("/out", FolderTags(song, index)), "/out" + folders);
         SRunSettings settings;
-        settings.organizeBy = index++;
-        settings.outputFolder = "/out/"; // joined with a single slash
-        QCOMPARE(BuildPreviewPath(song, settings), "/out" + folders + "/AC DC-Ti tle.mp3");
+        settings.outputFolder = "/out/";
+        settings.organizeBy = 0;
+        for (const auto& [label, folders] : rows) {
+            QCOMPARE(organizeChoices.at(static_cast<std::size_t>(settings.organizeBy)).label, label);
+            QCOMPARE(BuildFolderPath("/out", FolderTags(song, settings.organizeBy)), QString("/out") + folders);
+            QCOMPARE(BuildPreviewPath(song, settings), QString("/out") + folders + "/AC DC-Ti tle.mp3");
+            ++settings.organizeBy;
+        }
     }
 
-    void renames_data()
-    {
-        QTest::addColumn<QString>("label");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("untaggedName");
-        QTest::addColumn<QString>("untaggedPreview");
-        QTest::newRow("0") << "Original name"
-                           << "01 My Song"
-                           << "Intro"
-                           << "Intro";
-        QTest::newRow("1") << "Title"
-                           << "Ti tle"
-                           << ""
-                           << "Title";
-        QTest::newRow("2") << "Artist-Title"
-                           << "AC DC-Ti tle"
-                           << "-"
-                           << "Artist-Title";
-        QTest::newRow("3") << "Artist-Title (Year)"
-                           << "AC DC-Ti tle (1999)"
-                           << "- (0)"
-                           << "Artist-Title (Year)";
-        QTest::newRow("4") << "Artist-Title (Album)"
-                           << "AC DC-Ti tle (Al bum)"
-                           << "- ()"
-                           << "Artist-Title (Album)";
-        QTest::newRow("5") << "Artist-Title (Album - Year)"
-                           << "AC DC-Ti tle (Al bum - 1999)"
-                           << "- ( - 0)"
-                           << "Artist-Title (Album - Year)";
-        // A missing track shows as "0" even in the preview.
-        QTest::newRow("6") << "Custom"
-                           << "5 AC DC-Ti tle (Al bum, 1999, Rock )"
-                           << "0 - (, 0, )"
-                           << "0 Artist-Title (Album, Year, Genre)";
-    }
     void renames()
     {
-        const int index = QString(QTest::currentDataTag()).toInt();
+        const char* rows[][4] = {
+            // label, name, name without tags, preview without tags
+            {"Original name", "01 My Song", "Intro", "Intro"},
+            {"Title", "Ti tle", "", "Title"},
+            {"Artist-Title", "AC DC-Ti tle", "-", "Artist-Title"},
+            {"Artist-Title (Year)", "AC DC-Ti tle (1999)", "- (0)", "Artist-Title (Year)"},
+            {"Artist-Title (Album)", "AC DC-Ti tle (Al bum)", "- ()", "Artist-Title (Album)"},
+            {"Artist-Title (Album - Year)", "AC DC-Ti tle (Al bum - 1999)", "- ( - 0)", "Artist-Title (Album - Year)"},
+            // A missing track shows as "0" even in the preview.
+            {"Custom", "5 AC DC-Ti tle (Al bum, 1999, Rock )", "0 - (, 0, )", "0 Artist-Title (Album, Year, Genre)"},
+        };
         SRunSettings settings;
-        settings.renameIndex = index;
-        QTEST(QString(renameChoices[static_cast<std::size_t>(index)].label), "label");
-        QTEST(BuildFileName(song, index, settings.customRenameScheme), "name");
-        QTEST(BuildFileName(untagged, index, settings.customRenameScheme), "untaggedName");
-        QTEST(BuildPreviewFileName(untagged, settings), "untaggedPreview");
+        settings.renameIndex = 0;
+        for (const auto& [label, name, untaggedName, untaggedPreview] : rows) {
+            QCOMPARE(renameChoices.at(static_cast<std::size_t>(settings.renameIndex)).label, label);
+            QCOMPARE(BuildFileName(song, settings.renameIndex, settings.customRenameScheme), QString(name));
+            QCOMPARE(BuildFileName(untagged, settings.renameIndex, settings.customRenameScheme), QString(untaggedName));
+            QCOMPARE(BuildPreviewFileName(untagged, settings), QString(untaggedPreview));
+            ++settings.renameIndex;
+        }
     }
 
-    void schemes_data()
-    {
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("[Track]. [Artist]-[Title] ([Genre])") << "5. A-T (G)";
-        QTest::newRow("[Artist][Artist]") << "AA";
-        QTest::newRow("[Artist") << "[Artist";
-        QTest::newRow("[[Artist]") << "[[Artist]";
-        QTest::newRow("x]") << "x]";
-        QTest::newRow("[artist][Comment]") << "[artist][Comment]";
-        QTest::newRow("no placeholder") << "no placeholder";
-        QTest::newRow("[Year]%1[") << "[Album]%1["; // inserted values are not expanded again
-    }
     void schemes()
     {
-        QTEST(GenerateFileNameFromRenameScheme(QTest::currentDataTag(), "A", "T", "", "[Album]", "G", "5"), "expected");
+        const char* rows[][2] = {{"[Track]. [Artist]-[Title] ([Genre])", "5. A-T (G)"},
+                                 {"[Artist][Artist]", "AA"},
+                                 {"[Artist", "[Artist"},
+                                 {"[[Artist]", "[[Artist]"},
+                                 {"x]", "x]"},
+                                 {"[artist][Comment]", "[artist][Comment]"},
+                                 {"", ""},
+                                 {"[Year]%1[", "[Album]%1["}}; // inserted values are not expanded again
+        for (const auto& [scheme, name] : rows)
+            QCOMPARE(GenerateFileNameFromRenameScheme(scheme, "A", "T", "", "[Album]", "G", "5"), QString(name));
     }
 
-    void previewOddities()
+    void oddities()
     {
         SRunSettings settings;
         settings.outputFolder = "//out//";
         settings.organizeBy = 10;
         SAudioFile file = untagged;
         file.Genre = "Rock";
-        QCOMPARE(BuildPreviewPath(file, settings), QString("/out//Rock/Artist/Album/Artist-Title.ogg"));
-        file.Artist = "The Album Year";
+        file.Artist = "The Album Year"; // replaced again by later tags, and a missing tag leaves its word
         file.Year = "1999";
         QCOMPARE(BuildPreviewPath(file, settings), QString("/out//Rock/The Album 1999/Album/The Album Year-Title.ogg"));
-    }
 
-    void indicesOutsideTheTables()
-    {
-        for (const int index : {-1, 7, 16, 1 << 30}) {
-            SRunSettings settings;
-            settings.organizeBy = settings.renameIndex = index;
-            settings.outputFolder = "/out";
-            if (!IsOrganizeChoice(index))
-                QCOMPARE(FolderTags(song, index), QStringList());
-            if (index != 7)
-                QCOMPARE(BuildPreviewPath(song, settings), QString("/out/.mp3"));
-            QCOMPARE(BuildFileName(song, index, "x"), QString());
+        for (const int outside : {-1, 16, 1 << 30}) {
+            settings.organizeBy = settings.renameIndex = outside;
+            QCOMPARE(FolderTags(song, outside), QStringList());
+            QCOMPARE(BuildFileName(song, outside, "x"), QString());
+            QCOMPARE(BuildPreviewPath(song, settings), QString("/out//.mp3"));
         }
     }
 

@@ -3,6 +3,7 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
+#include <QDesktopServices>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -55,6 +56,18 @@ void DropOn(QWidget& window, const QStringList& paths)
     drop.setDropAction(Qt::MoveAction);
     QApplication::sendEvent(&window, &drop);
     QCOMPARE(drop.dropAction(), Qt::CopyAction);
+}
+
+Outside::Outside()
+{
+    for (const char* scheme : {"http", "file"})
+        QDesktopServices::setUrlHandler(QString::fromLatin1(scheme), this, "Open");
+}
+
+Outside::~Outside()
+{
+    for (const char* scheme : {"http", "file"})
+        QDesktopServices::unsetUrlHandler(QString::fromLatin1(scheme));
 }
 
 Answers::Answers(QList<Answer> inOrder) : answers(std::move(inOrder))
@@ -175,14 +188,4 @@ Answer Dialog(const QString& title, const Answer& answer)
         QCOMPARE(shown->windowTitle(), title);
         answer(shown);
     };
-}
-
-Answer ClickIn(const QString& title, const char* button)
-{
-    return Dialog(title, [button](QWidget* shown) { Click(*shown, button); });
-}
-
-Answer CloseWindow(const QString& title)
-{
-    return Dialog(title, [](QWidget* shown) { shown->close(); });
 }

@@ -27,6 +27,21 @@ void Type(const QObject& parent, const char* lineEdit, const QString& text);
 /// Drops files and folders on @p window, offered to be moved, as a file manager does.
 void DropOn(QWidget& window, const QStringList& paths);
 
+/// Catches what leaves the program for the browser or another application while it lives.
+class Outside : public QObject
+{
+    Q_OBJECT
+
+public:
+    Outside();
+    ~Outside() override;
+
+    QStringList opened; ///< the addresses, encoded
+
+private slots:
+    void Open(const QUrl& url) { opened += url.toString(QUrl::FullyEncoded); }
+};
+
 using Answer = std::function<void(QWidget*)>;
 
 /// Answers that are given to the modal dialogs and popup menus that come up while it lives, one each and in order.
@@ -59,7 +74,3 @@ Answer Warning(const QString& text, const QString& title = QString());
 Answer Files(const QString& caption, const QStringList& paths);
 /// Does something with a dialog of this window title; it has to close it.
 Answer Dialog(const QString& title, const Answer& answer);
-/// Clicks a button of it.
-Answer ClickIn(const QString& title, const char* button);
-/// Closes it by its window's close button.
-Answer CloseWindow(const QString& title);

@@ -35,8 +35,12 @@ QString Sandbox::Home()
 void Sandbox::Reset()
 {
     QDir home(Home());
-    for (const QString& name : home.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot))
-        QDir(home.filePath(name)).removeRecursively() || home.remove(name);
+    for (const QFileInfo& entry : home.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
+        if (entry.isDir())
+            QDir(entry.filePath()).removeRecursively();
+        else
+            home.remove(entry.fileName());
+    }
     for (const char* folder : {"Music", "Documents"})
         home.mkdir(folder);
 }

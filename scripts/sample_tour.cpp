@@ -97,7 +97,7 @@ private slots:
         Answers dialogs({Photographed("4-tag-editor", repair("Ada Low", "First Steps")), repair("Nobody", "Mystery"),
                          Photographed("5-finished", Box(QMessageBox::Information, "Operation finished successfully!",
                                                         QMessageBox::Ok, QMessageBox::Ok)),
-                         Photographed("6-like", CloseWindow("Give Us a Like"))});
+                         Photographed("6-like", Dialog("Give Us a Like", [](QWidget* shown) { shown->close(); }))});
         Click(window, "buttonOrganize");
         QTRY_VERIFY_WITH_TIMEOUT(Child<QWidget>(window, "buttonOrganize")->isEnabled(), 30000);
         dialogs.Finish();
