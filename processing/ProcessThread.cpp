@@ -95,6 +95,13 @@ void ProcessThread::AnswerDialog(int result)
 void ProcessThread::run()
 {
     Init();
+    Process();
+    // No request outlives its run, and whoever sees the flag cleared sees the results, too.
+    waitingForDialog = false;
+}
+
+void ProcessThread::Process()
+{
     if (!FixTags())
         return;
     if (settings.skipOrganize) {

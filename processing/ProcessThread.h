@@ -59,6 +59,7 @@ protected:
     void run() override;
 
 private:
+    void Process();
     bool FixTags();
     bool FixFromFileName(SAudioFile& file);
     bool AskUser(SAudioFile& file);

@@ -1,4 +1,3 @@
-#include "dialogs/DialogAbout.h"
 #include "dialogs/DialogEditTags.h"
 #include "dialogs/DialogSearch.h"
 #include "dialogs/DialogSocial.h"
@@ -151,18 +150,6 @@ private slots:
             OpenSettings().setValue("SearchMask", bad);
             QCOMPARE(DialogSearch(nullptr).searchMask, 0);
         }
-    }
-
-    void about()
-    {
-        DialogAbout dialog(nullptr);
-        dialog.show();
-        QVERIFY(dialog.minimumSize() == QSize(351, 151) && dialog.maximumSize() == QSize(351, 151));
-        QCOMPARE(Visible(dialog, "textVersion label label_4"),
-                 QString("Orvanto Version 2.1.0|Copyright © Orvanto|Orvanto uses TagLib Audio Meta-Data Library\n"
-                         "https://taglib.org"));
-        QVERIFY(Child<QLabel>(dialog, "label_2")->openExternalLinks());
-        QVERIFY(Child<QLabel>(dialog, "label_2")->text().contains("\"http://www.orvanto.example\""));
     }
 };
 

@@ -59,7 +59,7 @@ private:
             worker->AnswerDialog(answer == "abort" ? 0 : 1);
         });
         worker->start();
-        QTRY_VERIFY_WITH_TIMEOUT(worker->isFinished(), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(worker->isFinished() && !worker->waitingForDialog, 20000);
         QCoreApplication::processEvents();
     }
 
