@@ -13,6 +13,9 @@
 #include <QPalette>
 #include <QStyleFactory>
 
+#include <initializer_list>
+#include <utility>
+
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_unique<Ui_MainWindow>()), worker(nullptr)
 {
     ChangeTheme();
@@ -25,8 +28,9 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_uniq
 
 MainWindow::~MainWindow()
 {
+    hide(); // the file that is being copied may take its time
     worker.requestInterruption();
-    worker.wait();
+    worker.wait(); // here, before the form goes
     DiscardPlayer();
 }
 

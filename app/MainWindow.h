@@ -5,6 +5,7 @@
 #include "processing/ProcessThread.h"
 #include "tags/TagManager.h"
 
+#include <QDir>
 #include <QMainWindow>
 #include <QStringList>
 
@@ -99,6 +100,7 @@ private:
     void RefreshInterface();
     void Quit();
 
+    QStringList EntriesBySize(const QString& folder, QDir::Filters filters) const;
     void AddFolder(QString folder, bool recursive);
     void AddFilesToList(const QStringList& files, bool nested);
     void SynchronizeListAudioFiles(bool showProgress);
@@ -106,9 +108,9 @@ private:
     bool IsBusy() const;
     void EnterBusyState(const QString& status);
     void LeaveBusyState();
+    void PumpWithoutInput();
 
     void SignalSettingsChanged();
-    void SetOutputFolder(const QString& folder);
     void UpdateOutputPreview();
     QString GenerateCurrentFilename() const;
     void ClearPreviews();
@@ -136,7 +138,8 @@ private:
     SRunSettings settings;
     int currentRow = -1; ///< the selected file; may lie past the end after a removal, -1 when there is none
     bool unsavedChanges = false;
-    QString profilePath;   ///< of the profile last saved or loaded; empty when there is none
-    bool loading = false;  ///< a profile is being loaded: changes of settings do not count as the user's
+    QString profilePath;  ///< of the profile last saved or loaded; empty when there is none
+    bool loading = false; ///< a profile is being loaded: changes of settings do not count as the user's
+    bool takesDrops = true;
     bool quitting = false; ///< the user wants to leave: every loop that pumps events ends
 };

@@ -16,6 +16,7 @@
 #include <QFileInfo>
 #include <QMenu>
 #include <QMimeData>
+#include <QScopedValueRollback>
 #include <QUrl>
 
 #include <algorithm>
@@ -23,33 +24,6 @@
 #include <tuple>
 #include <utility>
 #include <vector>
-
-namespace
-{
-/// The paths of the entries of @p folder, which ends in "/", in the order of QDir::Size | QDir::Reversed: the smallest
-/// first, of equal ones the last name. Unlike QDir, it lets the window live while it reads a folder of many thousands.
-QStringList EntriesBySize(const QString& folder, QDir::Filters filters)
-{
-    constexpr std::size_t entriesPerTurn = 1000;
-    std::vector<std::pair<qint64, QString>> entries;
-    QDirIterator iterator(folder, filters);
-    while (iterator.hasNext()) {
-        iterator.next();
-        entries.emplace_back(iterator.fileInfo().size(), iterator.fileName());
-        if (entries.size() % entriesPerTurn == 0)
-            QCoreApplication::processEvents();
-    }
-    QCoreApplication::processEvents();
-    std::sort(entries.begin(), entries.end(), [](const auto& left, const auto& right) {
-        return std::tie(left.first, right.second) < std::tie(right.first, left.second);
-    });
-
-    QStringList paths;
-    for (const auto& [size, name] : entries)
-        paths += folder + name;
-    return paths;
-}
-} // namespace
 
 /// The window is busy filling its list for as long as this lives; of nested ones, the outermost decides.
 class MainWindow::BusyGuard
@@ -96,6 +70,14 @@ void MainWindow::LeaveBusyState()
     ui->progressOrganize->setEnabled(false);
     ui->progressOrganize->setValue(0);
     ui->textProgress->clear();
+}
+
+/// Lets the window live for a turn in the middle of a change during which its controls are enabled: the user must not
+/// start another one in it. Drops are no input to the event loop and are kept out by themselves.
+void MainWindow::PumpWithoutInput()
+{
+    const QScopedValueRollback<bool> noDrops(takesDrops, false);
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
 void MainWindow::on_buttonAdd_clicked()
@@ -161,11 +143,34 @@ void MainWindow::OnSearch()
     SynchronizeListAudioFiles(true);
 }
 
+/// The paths of the entries of @p folder, which ends in "/", in the order of QDir::Size | QDir::Reversed: the smallest
+/// first, of equal ones the last name. Unlike QDir, it lets the window live while it reads a folder of many thousands.
+QStringList MainWindow::EntriesBySize(const QString& folder, QDir::Filters filters) const
+{
+    constexpr std::size_t entriesPerTurn = 1000;
+    std::vector<std::pair<qint64, QString>> entries;
+    QDirIterator iterator(folder, filters);
+    while (!quitting && iterator.hasNext()) {
+        iterator.next();
+        entries.emplace_back(iterator.fileInfo().size(), iterator.fileName());
+        if (entries.size() % entriesPerTurn == 0)
+            QCoreApplication::processEvents();
+    }
+    QCoreApplication::processEvents();
+    std::sort(entries.begin(), entries.end(), [](const auto& left, const auto& right) {
+        return std::tie(left.first, right.second) < std::tie(right.first, left.second);
+    });
+
+    QStringList paths;
+    for (const auto& [size, name] : entries)
+        paths += folder + name;
+    return paths;
+}
 /// Adds the files of @p folder, smallest first, then those of its subfolders in the same order. A recursive walk is
 /// part of a larger change: its caller rebuilds the rows.
 void MainWindow::AddFolder(QString folder, bool recursive)
 {
-    if (folder.isEmpty())
+    if (folder.isEmpty() || quitting)
         return;
     folder = WithForwardSlashes(folder);
     if (!folder.endsWith(QLatin1Char('/')))
@@ -173,7 +178,7 @@ void MainWindow::AddFolder(QString folder, bool recursive)
 
     const BusyGuard busy(*this);
     AddFilesToList(EntriesBySize(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks), recursive);
-    if (!recursive || quitting)
+    if (!recursive)
         return;
     // Links to folders are followed, hidden folders are not entered: our decision.
     for (const QString& subfolder : EntriesBySize(folder, QDir::Dirs | QDir::NoDotAndDotDot))
@@ -209,14 +214,14 @@ void MainWindow::SynchronizeListAudioFiles(bool showProgress)
     for (const SAudioFile& file : audioFiles.Records())
         ui->listAudioFiles->addItem(new QListWidgetItem(icon, file.Path));
 
-    // Without progress the controls are enabled: the user must not start another change in the middle of this one.
-    const QEventLoop::ProcessEventsFlags events =
-        showProgress ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents;
     const int count = audioFiles.Count();
     for (int row = 0; row < count && !quitting; ++row) {
-        if (showProgress)
+        if (showProgress) {
             ui->progressOrganize->setValue(Percentage(row, count));
-        QCoreApplication::processEvents(events);
+            QCoreApplication::processEvents();
+        } else {
+            PumpWithoutInput();
+        }
     }
 }
 
@@ -231,7 +236,7 @@ void MainWindow::dropEvent(QDropEvent* event)
     // Whatever the other side proposes, it must not take its files for moved.
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    if (IsBusy())
+    if (IsBusy() || !takesDrops)
         return;
 
     QStringList files;

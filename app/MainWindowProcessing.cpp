@@ -36,7 +36,7 @@ void MainWindow::EraseInvalidTags()
 {
     for (int row = 0; row < audioFiles.Count(); ++row) {
         // The window shows what is going on but takes no input meanwhile.
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        PumpWithoutInput();
         if (quitting)
             return;
         SAudioFile file = audioFiles.At(row);
@@ -76,7 +76,7 @@ void MainWindow::ProcessThreadFinished()
     ReloadList();
     LeaveBusyState();
     ClearPreviews();
-    if (!quitting && !OpenSettings().value(SettingsKey::skipSocial, false).toBool())
+    if (!quitting && !StoredFlag(SettingsKey::skipSocial))
         DialogSocial(nullptr).exec();
 }
 

@@ -13,7 +13,7 @@ namespace
 /// Where the profile dialogs start; made when it is missing.
 QString ProfileFolder()
 {
-    const QString folder = DocumentsFolder() + QStringLiteral("/Profiles");
+    const QString folder = DocumentsFolder() + QStringLiteral("/Orvanto/Profiles");
     QDir().mkpath(folder);
     return folder;
 }

@@ -98,10 +98,17 @@ void MainWindow::on_buttonBrowseOutFold_clicked()
     SignalSettingsChanged(); // a cancelled dialog counts as a change, too: our decision
 }
 
+/// The name of the selected file in the preview; empty when none is selected.
+QString MainWindow::GenerateCurrentFilename() const
+{
+    return audioFiles.IsRow(currentRow) ? BuildPreviewFileName(audioFiles.At(currentRow), settings) : QString();
+}
+
 void MainWindow::UpdateOutputPreview()
 {
     if (audioFiles.IsRow(currentRow))
-        ui->editOutputPreview->setText(BuildPreviewPath(audioFiles.At(currentRow), settings));
+        ui->editOutputPreview->setText(
+            BuildPreviewPath(audioFiles.At(currentRow), settings, GenerateCurrentFilename()));
 }
 
 void MainWindow::ClearPreviews()

@@ -4,8 +4,6 @@
 #include "dialogs/DialogEditTags.h"
 #include "ui_MainWindow.h"
 
-#include <QCoreApplication>
-
 namespace
 {
 /// What the batch editor shows in each field; a field left at it keeps every file's own tag.
@@ -60,15 +58,15 @@ void MainWindow::OnBatchEditTags()
         }
         WriteRecord(row, file);
         // The window repaints between two files but takes no input.
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        PumpWithoutInput();
     }
     RefreshPanel();
 }
 
 void MainWindow::ShowDialogEditTag()
 {
-    const bool everyFile = worker.settings.fixManually && !worker.settings.onlyEditInvalid;
-    DialogEditTags dialog(this, everyFile ? DialogEditTags::RepairEvery : DialogEditTags::RepairIncomplete);
+    DialogEditTags dialog(this, worker.settings.AsksAboutEveryFile() ? DialogEditTags::RepairEvery
+                                                                     : DialogEditTags::RepairIncomplete);
     dialog.SetFile(worker.AwaitRequest());
     const int result = dialog.exec();
     if (result == QDialog::Accepted)

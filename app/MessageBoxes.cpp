@@ -1,26 +1,24 @@
 #include "app/MessageBoxes.h"
 
-#include <QGridLayout>
-#include <QGuiApplication>
 #include <QLabel>
-#include <QScreen>
-#include <QScrollArea>
-#include <QStyle>
+#include <QLayout>
+#include <QPlainTextEdit>
 
 namespace
 {
-/// Puts the text of @p box in a scroll area when the box would not fit on the screen, so that its buttons can be seen.
-void LimitHeight(QMessageBox& box)
+constexpr int longestText = 1000; // characters
+constexpr int mostLines = 12;
+
+/// Shows the text of @p box in a field that scrolls, so that neither its size nor its layout grows with the text.
+void MakeScrollable(QMessageBox& box)
 {
     auto* const label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
-    const QSize limit = QGuiApplication::primaryScreen()->availableSize() * 0.6;
-    if (!label || label->sizeHint().height() <= limit.height())
-        return;
-    auto* const area = new QScrollArea(&box);
-    delete box.layout()->replaceWidget(label, area);
-    area->setWidget(label);
-    const int scrollBar = area->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-    area->setMinimumSize(qMin(label->sizeHint().width() + 2 * scrollBar, limit.width()), limit.height());
+    auto* const text = new QPlainTextEdit(box.text(), &box);
+    text->setReadOnly(true);
+    text->setLineWrapMode(QPlainTextEdit::NoWrap);
+    text->setMinimumSize(500, 300);
+    delete box.layout()->replaceWidget(label, text);
+    label->hide();
 }
 
 QMessageBox::StandardButton Show(QMessageBox::Icon icon, const QString& title, const QString& text,
@@ -30,7 +28,8 @@ QMessageBox::StandardButton Show(QMessageBox::Icon icon, const QString& title, c
     box.setTextFormat(Qt::PlainText);
     box.setText(text);
     box.setDefaultButton(defaultButton);
-    LimitHeight(box);
+    if (text.size() > longestText || text.count(QLatin1Char('\n')) > mostLines)
+        MakeScrollable(box);
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 } // namespace

@@ -3,7 +3,7 @@
 #include <QMessageBox>
 #include <QString>
 
-/// The program's message boxes: modal, without parent, their text always plain. A text too tall for the screen scrolls.
+/// The program's message boxes: modal, without parent, their text always plain. A long text scrolls.
 
 /// Asks with the question icon; @p buttons besides Yes, which is the default.
 QMessageBox::StandardButton Ask(const QString& text, QMessageBox::StandardButtons buttons);

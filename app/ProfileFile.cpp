@@ -4,7 +4,7 @@
 
 namespace
 {
-constexpr qint64 longestLine = 1 << 16; // bytes, its line feed included
+constexpr qint64 longestLine = 1 << 17; // bytes: more than a line edit can hold in UTF-8, with its key and line feed
 
 QString Value(const QByteArray& line)
 {

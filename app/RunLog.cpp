@@ -4,7 +4,7 @@
 
 QString RunLogPath()
 {
-    return DocumentsFolder() + QStringLiteral("/Orvanto.log");
+    return DocumentsFolder() + QStringLiteral("/Orvanto/Orvanto.log");
 }
 
 QByteArray RunLogBlock(const QDateTime& time, const QString& report)

@@ -11,10 +11,31 @@
 #include <QMediaPlayer>
 #include <QMenu>
 
+#include <initializer_list>
+
+namespace
+{
+/// Where one tag is kept: in a record, in the dialog, in its form.
+struct SField
+{
+    TagField tag;
+    QString DialogEditTags::*text;
+    QLineEdit* Ui_DialogEditTags::*edit;
+};
+
+constexpr SField fields[] = {
+    {&SAudioFile::Artist, &DialogEditTags::artist, &Ui_DialogEditTags::editArtist},
+    {&SAudioFile::Title, &DialogEditTags::title, &Ui_DialogEditTags::editTitle},
+    {&SAudioFile::Album, &DialogEditTags::album, &Ui_DialogEditTags::editAlbum},
+    {&SAudioFile::Year, &DialogEditTags::year, &Ui_DialogEditTags::editYear},
+    {&SAudioFile::Genre, &DialogEditTags::genre, &Ui_DialogEditTags::editGenre},
+    {&SAudioFile::Track, &DialogEditTags::track, &Ui_DialogEditTags::editTrack},
+};
+} // namespace
+
 DialogEditTags::DialogEditTags(QWidget* parent, int mode)
     : QDialog(parent), ui(std::make_unique<Ui_DialogEditTags>()), menuOnlineSearch(new QMenu(this)),
-      actionDiscogs(new QAction(WebPage::discogsHost.section(QLatin1Char('.'), 1), this)),
-      actionAllmusic(new QAction(WebPage::allmusicHost.section(QLatin1Char('.'), 1), this))
+      actionDiscogs(new QAction(WebPage::discogsName, this)), actionAllmusic(new QAction(WebPage::allmusicName, this))
 {
     ui->setupUi(this);
     connect(actionDiscogs, &QAction::triggered, this, &DialogEditTags::OnDiscogs);
@@ -43,31 +64,27 @@ DialogEditTags::~DialogEditTags() = default;
 
 void DialogEditTags::SetFile(const SAudioFile& file)
 {
-    artist = file.Artist;
-    title = file.Title;
-    album = file.Album;
-    year = file.Year;
-    genre = file.Genre;
-    track = file.Track;
+    for (const SField& field : fields)
+        this->*field.text = file.*field.tag;
     filePath = file.Path;
 }
 
 SAudioFile DialogEditTags::File() const
 {
-    return {title, artist, album, year, genre, track, filePath};
+    SAudioFile file;
+    for (const SField& field : fields)
+        file.*field.tag = this->*field.text;
+    file.Path = filePath;
+    return file;
 }
 
 void DialogEditTags::Init()
 {
     player.reset();
     ui->textFilePath->setText(filePath);
-    ui->textFilePath->setToolTip(filePath.toHtmlEscaped());
-    ui->editAlbum->setText(album);
-    ui->editArtist->setText(artist);
-    ui->editGenre->setText(genre);
-    ui->editTitle->setText(title);
-    ui->editTrack->setText(track);
-    ui->editYear->setText(year);
+    ui->textFilePath->setToolTip(QStringLiteral("<qt>%1</qt>").arg(filePath.toHtmlEscaped())); // a path is no markup
+    for (const SField& field : fields)
+        ((*ui).*field.edit)->setText(this->*field.text);
     ui->editArtist->setFocus();
     ui->buttonPlay->setFixedWidth(130);
     ui->buttonPlay->setText(tr("Play in iTunes"));
@@ -90,12 +107,8 @@ void DialogEditTags::closeEvent(QCloseEvent* event)
 
 void DialogEditTags::on_buttonOK_clicked()
 {
-    album = ui->editAlbum->text();
-    artist = ui->editArtist->text();
-    genre = ui->editGenre->text();
-    title = ui->editTitle->text();
-    track = ui->editTrack->text();
-    year = ui->editYear->text();
+    for (const SField& field : fields)
+        this->*field.text = ((*ui).*field.edit)->text();
     accept();
 }
 
@@ -135,12 +148,10 @@ QString DialogEditTags::GenerateSearchString() const
 
 void DialogEditTags::OnDiscogs()
 {
-    OpenWebPage(QStringLiteral("http://") + WebPage::discogsHost + QStringLiteral("/search/?q=") +
-                GenerateSearchString());
+    OpenWebPage(WebPage::discogsSearch + GenerateSearchString());
 }
 
 void DialogEditTags::OnAllmusic()
 {
-    OpenWebPage(QStringLiteral("http://") + WebPage::allmusicHost + QStringLiteral("/search/all/") +
-                GenerateSearchString());
+    OpenWebPage(WebPage::allmusicSearch + GenerateSearchString());
 }

@@ -16,16 +16,15 @@ DialogSearch::~DialogSearch() = default;
 
 void DialogSearch::Init()
 {
-    const QSettings settings = OpenSettings();
     searchPath = StoredFolder(SettingsKey::searchFolder);
     ui->editSearchPath->setText(searchPath);
 
-    searchSubfolders = settings.value(SettingsKey::searchSubfolders, false).toBool();
+    searchSubfolders = StoredFlag(SettingsKey::searchSubfolders);
     ui->checkSearchSubfolders->setChecked(searchSubfolders);
 
     for (const QString& extension : AudioExtensions())
         ui->comboSearchMask->addItem(QStringLiteral("*.") + extension);
-    searchMask = settings.value(SettingsKey::searchMask, 0).toInt();
+    searchMask = OpenSettings().value(SettingsKey::searchMask).toInt();
     if (searchMask < 0 || searchMask >= AudioExtensions().size())
         searchMask = 0;
     ui->comboSearchMask->setCurrentIndex(searchMask);

@@ -1,5 +1,6 @@
 #include "dialogs/ListAudioFiles.h"
 
+#include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
 
@@ -17,6 +18,13 @@ void ListAudioFiles::keyPressEvent(QKeyEvent* event)
     const QList<QListWidgetItem*> now = selectedItems();
     if (!now.isEmpty() && now != before)
         emit itemPressed(now.first());
+}
+
+void ListAudioFiles::mouseMoveEvent(QMouseEvent* event)
+{
+    // Dragging over the rows would select another one than the row that was pressed.
+    if (event->buttons() == Qt::NoButton)
+        QListWidget::mouseMoveEvent(event);
 }
 
 void ListAudioFiles::paintEvent(QPaintEvent* event)

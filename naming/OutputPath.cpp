@@ -94,7 +94,7 @@ QString BuildPreviewFileName(SAudioFile file, const SRunSettings& settings)
     return BuildFileName(file, settings.renameIndex, settings.customRenameScheme);
 }
 
-QString BuildPreviewPath(const SAudioFile& file, const SRunSettings& settings)
+QString BuildPreviewPath(const SAudioFile& file, const SRunSettings& settings, const QString& fileName)
 {
     QString path = settings.outputFolder + QLatin1Char('/');
     if (settings.organizeBy != 0) {
@@ -109,7 +109,7 @@ QString BuildPreviewPath(const SAudioFile& file, const SRunSettings& settings)
         }
         path += folders + QLatin1Char('/');
     }
-    path += BuildPreviewFileName(file, settings);
+    path += fileName;
     path.replace(QLatin1String("//"), QLatin1String("/"));
     return path + QLatin1Char('.') + ExtensionOf(file.Path);
 }

@@ -73,9 +73,10 @@ QStringList FolderTags(const SAudioFile& file, int organizeBy);
 /// for each level. Since these include "/" and ".", no tag can lead out of @p outputFolder.
 QString BuildFolderPath(const QString& outputFolder, const QStringList& folderTags);
 
-/// What the preview shows as the output path of @p file: like the real one, but with the captions of the missing tags
-/// in their place, and blind to "Unknown" and to settings.skipOrganize.
-QString BuildPreviewPath(const SAudioFile& file, const SRunSettings& settings);
-
-/// The file name in that path, without extension.
+/// The name without extension that the preview shows for @p file: like the real one, but with the captions of missing
+/// tags in their place.
 QString BuildPreviewFileName(SAudioFile file, const SRunSettings& settings);
+
+/// What the preview shows as the output path of @p file, with @p fileName as its name. It is blind to "Unknown" and to
+/// settings.skipOrganize.
+QString BuildPreviewPath(const SAudioFile& file, const SRunSettings& settings, const QString& fileName);

@@ -13,4 +13,7 @@ struct SRunSettings
     bool onlyEditInvalid = true; ///< with fixManually: ask about incomplete files only
     QString outputFolder;        ///< root of the output paths, with "/" separators
     bool deleteOriginal = false; ///< delete each source file after copying
+
+    /// Whether the user is asked about complete files, too.
+    bool AsksAboutEveryFile() const { return fixManually && !onlyEditInvalid; }
 };

@@ -18,10 +18,18 @@ QSettings OpenSettings()
 
 QString StoredFolder(const QString& key)
 {
-    return OpenSettings().value(key, FirstLocation(QStandardPaths::MusicLocation)).toString();
+    const QVariant folder = OpenSettings().value(key);
+    return folder.type() == QVariant::String ? folder.toString() : FirstLocation(QStandardPaths::MusicLocation);
+}
+
+bool StoredFlag(const QString& key)
+{
+    // Text files hold it as a word or a number, other stores as it was written; garbage is neither.
+    const QVariant flag = OpenSettings().value(key);
+    return flag.toString() == QLatin1String("true") || flag.toInt() != 0;
 }
 
 QString DocumentsFolder()
 {
-    return FirstLocation(QStandardPaths::DocumentsLocation) + QStringLiteral("/Orvanto");
+    return FirstLocation(QStandardPaths::DocumentsLocation);
 }

@@ -18,8 +18,11 @@ inline const QString skipSocial = QStringLiteral("SkipSocial");
 /// Opens the settings store. Each handler opens its own; nothing caches it.
 QSettings OpenSettings();
 
-/// The folder stored under @p key, by default the first of the desktop's music locations.
+/// The folder stored under @p key; when there is none or something else, the first of the desktop's music locations.
 QString StoredFolder(const QString& key);
 
-/// The folder for the program's documents, below the first of the desktop's documents locations; maybe not there yet.
+/// The flag stored under @p key, by default false.
+bool StoredFlag(const QString& key);
+
+/// The first of the desktop's documents locations; maybe not there yet.
 QString DocumentsFolder();

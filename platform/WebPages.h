@@ -5,8 +5,10 @@
 /// Every web address that the program opens. A maker sets the hosts here.
 namespace WebPage
 {
-inline const QString discogsHost = QStringLiteral("www.discogs.com");
-inline const QString allmusicHost = QStringLiteral("www.allmusic.com");
+inline const QString discogsName = QStringLiteral("discogs.com");
+inline const QString discogsSearch = QStringLiteral("http://www.discogs.com/search/?q=");
+inline const QString allmusicName = QStringLiteral("allmusic.com");
+inline const QString allmusicSearch = QStringLiteral("http://www.allmusic.com/search/all/");
 inline const QString home = QStringLiteral("http://www.orvanto.example");
 inline const QString onlineHelp = home + QStringLiteral("/help-mac.html");
 inline const QString videoTutorial = home + QStringLiteral("/feature.html");

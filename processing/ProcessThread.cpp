@@ -7,7 +7,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSet>
 
 #include <sys/stat.h>
 
@@ -71,6 +70,7 @@ void ProcessThread::Init()
     dialogResult = -1;
     outputPaths.clear();
     failedPaths.clear();
+    ownDestinations.clear();
 }
 
 QString ProcessThread::GenerateFilename(int index) const
@@ -123,8 +123,7 @@ bool ProcessThread::FixTags()
     for (SAudioFile& file : files) {
         if (isInterruptionRequested())
             return false;
-        const bool everyFile = settings.fixManually && !settings.onlyEditInvalid;
-        if (!everyFile && !IsIncomplete(file))
+        if (!settings.AsksAboutEveryFile() && !IsIncomplete(file))
             continue;
         const bool askUser = settings.fixManually || FixFromFileName(file);
         if (askUser && !AskUser(file))
@@ -236,9 +235,14 @@ void ProcessThread::CopyFile(int index, const QString& name)
     const QString destination = BuildFolderPath(settings.outputFolder, FolderTags(file, settings.organizeBy)) +
                                 QLatin1Char('/') + name + QLatin1Char('.') + ExtensionOf(file.Path);
     outputPaths += destination;
-    // An existing file is kept, and that is no failure; anything else of that name is one.
-    if (!QFileInfo(destination).isFile() && !QFile::copy(file.Path, destination))
+    if (QFileInfo(destination).isFile()) {
+        // It is kept, and that is no failure. The two are compared at once: there are file systems that make inode
+        // numbers up and forget them.
+        if (IdentityOf(destination) == IdentityOf(file.Path))
+            ownDestinations.insert(file.Path);
+    } else if (!QFile::copy(file.Path, destination)) {
         RecordFailure(file.Path);
+    }
 }
 
 void ProcessThread::RecordFailure(const QString& sourcePath)
@@ -251,19 +255,19 @@ void ProcessThread::RecordFailure(const QString& sourcePath)
 /// destination stays, however its path is spelled.
 void ProcessThread::DeleteOriginals()
 {
-    QSet<QString> kept(failedPaths.begin(), failedPaths.end());
-    kept += QSet<QString>(outputPaths.begin(), outputPaths.end());
-    QSet<FileIdentity> destinations;
-    for (const QString& path : qAsConst(outputPaths)) {
+    const QStringList kept = outputPaths + failedPaths + ownDestinations.values();
+    const QSet<QString> keptPaths(kept.begin(), kept.end());
+    QSet<FileIdentity> keptFiles;
+    for (const QString& path : kept) {
         if (const auto identity = IdentityOf(path))
-            destinations.insert(*identity);
+            keptFiles.insert(*identity);
     }
 
     for (const SAudioFile& file : qAsConst(files)) {
         if (isInterruptionRequested())
             return;
         const auto identity = IdentityOf(file.Path);
-        if (identity && !destinations.contains(*identity) && !kept.contains(file.Path))
+        if (identity && !keptFiles.contains(*identity) && !keptPaths.contains(file.Path))
             QFile::remove(file.Path);
     }
     files.clear();

@@ -5,6 +5,7 @@
 #include "tags/TagManager.h"
 
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QThread>
 
@@ -68,6 +69,8 @@ private:
     void CopyFile(int index, const QString& name);
     void RecordFailure(const QString& sourcePath);
     void DeleteOriginals();
+
+    QSet<QString> ownDestinations; ///< sources that turned out to be their own destination
 };
 
 /// What `failureText` holds as long as nothing has failed.

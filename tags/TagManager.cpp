@@ -2,10 +2,15 @@
 
 #include "tags/TagTextRules.h"
 
+#include <QFile>
 #include <QFileInfo>
 
-#include <taglib/fileref.h>
-#include <taglib/tag.h>
+#include <fileref.h>
+#include <tag.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <system_error>
 
 namespace
 {
@@ -45,6 +50,27 @@ QString TagText(const TagLib::Tag* tag, int index)
     }
 }
 
+/// The file systems of macOS take a name in either normalisation form, those of Linux only the stored one.
+QString StoredPath(const QString& path)
+{
+    return QFileInfo::exists(path) ? path : path.normalized(QString::NormalizationForm_D);
+}
+
+/// Whether the volume of @p path has room for rewriting that file with @p text in it. TagLib rewrites in place: on a
+/// full volume it has been seen to cut the audio off while it reports success.
+bool HasRoomToSave(const QString& path, const QString& text)
+{
+    constexpr std::uintmax_t margin = 4 << 20;          // bytes, for paddings and what other programs write meanwhile
+    constexpr std::uintmax_t bytesPerCharacter = 2 * 4; // UTF-8 or UTF-16, in two tags at the most
+    const std::filesystem::path file(QFile::encodeName(path).toStdString());
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(file, error);
+    if (error)
+        return false;
+    const std::filesystem::space_info volume = std::filesystem::space(file, error);
+    return !error && volume.available >= size + margin + bytesPerCharacter * static_cast<std::uintmax_t>(text.size());
+}
+
 const TagLib::Tag* TagOf(const TagLib::FileRef& file)
 {
     return file.isNull() ? nullptr : file.tag();
@@ -53,8 +79,7 @@ const TagLib::Tag* TagOf(const TagLib::FileRef& file)
 
 TagLib::FileRef TagManager::CreateFileRef() const
 {
-    // The file systems of macOS take a name in either normalisation form, those of Linux only the stored one.
-    const QString stored = QFileInfo::exists(path) ? path : path.normalized(QString::NormalizationForm_D);
+    const QString stored = StoredPath(path);
     // TagLib would take a folder for an untagged file and wait for ever at a pipe.
     if (!QFileInfo(stored).isFile())
         return TagLib::FileRef();
@@ -97,7 +122,8 @@ bool TagManager::SetInfo(int index, const QString& text) const
         tag->setTrack(static_cast<unsigned int>(value.toInt()));
         break;
     }
-    file.save();
+    if (HasRoomToSave(StoredPath(path), text))
+        file.save();
     return true;
 }
 

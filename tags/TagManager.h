@@ -25,7 +25,7 @@ public:
     /// A tag that already reads as @p text is left alone, so that what plain text cannot express survives: a full
     /// date behind the year, "3/12" behind the track, several artists.
     /// @return false when the file cannot be opened, has no tags, or @p index names none. Whether the save succeeded
-    /// is not looked at by design.
+    /// is not looked at by design; on a volume without room for it, the file is left alone.
     bool SetInfo(int index, const QString& text) const;
 
     /// The whole record of the file at @p filePath, from one opening; the same texts as six calls of GetInfo().

@@ -6,6 +6,11 @@ namespace
 {
 const SAudioFile song{"Ti.tle", "AC/DC", "Al:bum", "1999", "Rock?", "5", "/music/01.My.Song.MP3"};
 const SAudioFile untagged{"", "", "", "0", "", "0", "/music/Intro.ogg"};
+
+QString Preview(const SAudioFile& file, const SRunSettings& settings)
+{
+    return BuildPreviewPath(file, settings, BuildPreviewFileName(file, settings));
+}
 } // namespace
 
 class TestNaming : public QObject
@@ -39,7 +44,7 @@ private slots:
         for (const auto& [label, folders] : rows) {
             QCOMPARE(organizeChoices.at(static_cast<std::size_t>(settings.organizeBy)).label, label);
             QCOMPARE(BuildFolderPath("/out", FolderTags(song, settings.organizeBy)), QString("/out") + folders);
-            QCOMPARE(BuildPreviewPath(song, settings), QString("/out") + folders + "/AC DC-Ti tle.mp3");
+            QCOMPARE(Preview(song, settings), QString("/out") + folders + "/AC DC-Ti tle.mp3");
             ++settings.organizeBy;
         }
     }
@@ -91,13 +96,13 @@ private slots:
         file.Genre = "Rock";
         file.Artist = "The Album Year"; // replaced again by later tags, and a missing tag leaves its word
         file.Year = "1999";
-        QCOMPARE(BuildPreviewPath(file, settings), QString("/out//Rock/The Album 1999/Album/The Album Year-Title.ogg"));
+        QCOMPARE(Preview(file, settings), QString("/out//Rock/The Album 1999/Album/The Album Year-Title.ogg"));
 
         for (const int outside : {-1, 16, 1 << 30}) {
             settings.organizeBy = settings.renameIndex = outside;
             QCOMPARE(FolderTags(song, outside), QStringList());
             QCOMPARE(BuildFileName(song, outside, "x"), QString());
-            QCOMPARE(BuildPreviewPath(song, settings), QString("/out//.mp3"));
+            QCOMPARE(Preview(song, settings), QString("/out//.mp3"));
         }
     }
 
