@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <optional>
@@ -41,6 +42,37 @@ void TakeNamingPlaceholdersBack(SAudioFile& file)
 }
 
 using FileIdentity = std::pair<quint64, quint64>;
+
+/// Gives @p copy the permissions and the modification time of @p source, exactly: QFile::copy() forgets the time and,
+/// for a user who may write to everything, adds the right to write. A copy without them is no failure.
+void CopyAttributes(const QString& source, const QString& copy)
+{
+    struct stat status;
+    if (stat(QFile::encodeName(source).constData(), &status) != 0)
+        return;
+#ifdef Q_OS_MACOS
+    const timespec modified = status.st_mtimespec;
+#else
+    const timespec modified = status.st_mtim;
+#endif
+    const timespec times[] = {{0, UTIME_OMIT}, modified}; // of the last access, which stays, and modification
+    const QByteArray copyName = QFile::encodeName(copy);
+    utimensat(AT_FDCWD, copyName.constData(), times, 0);
+    chmod(copyName.constData(), status.st_mode & 0777);
+}
+
+/// Whether a folder named by these tags is, or lies behind, a link that leads out of @p outputFolder.
+bool LeadsOut(const QString& outputFolder, const QStringList& folderTags)
+{
+    const auto canonical = [](const QString& path) { return QDir(path).canonicalPath() + QLatin1Char('/'); };
+    const QString root = canonical(outputFolder + QLatin1Char('/'));
+    for (int levels = 1; levels <= folderTags.size(); ++levels) {
+        const QString folder = BuildFolderPath(outputFolder, folderTags.mid(0, levels));
+        if (QFileInfo::exists(folder) && !canonical(folder).startsWith(root))
+            return true;
+    }
+    return false;
+}
 
 /// Device and inode: the same for every spelling of a path to the same file.
 std::optional<FileIdentity> IdentityOf(const QString& path)
@@ -201,7 +233,7 @@ void ProcessThread::CreateFolders() const
             continue;
         made.insert(tags);
         // Only a top level named "Unknown" is refused, a lower one may be.
-        if (StrippedOfReservedChars(tags.first()) == unknownTag)
+        if (StrippedOfReservedChars(tags.first()) == unknownTag || LeadsOut(settings.outputFolder, tags))
             continue;
         const QString folder = BuildFolderPath(settings.outputFolder, tags);
         if (tags.size() == 1)
@@ -232,15 +264,20 @@ void ProcessThread::CopyFiles()
 void ProcessThread::CopyFile(int index, const QString& name)
 {
     const SAudioFile& file = files.at(index);
-    const QString destination = BuildFolderPath(settings.outputFolder, FolderTags(file, settings.organizeBy)) +
-                                QLatin1Char('/') + name + QLatin1Char('.') + ExtensionOf(file.Path);
+    const QStringList folderTags = FolderTags(file, settings.organizeBy);
+    const QString destination = BuildFolderPath(settings.outputFolder, folderTags) + QLatin1Char('/') + name +
+                                QLatin1Char('.') + ExtensionOf(file.Path);
     outputPaths += destination;
-    if (QFileInfo(destination).isFile()) {
+    if (LeadsOut(settings.outputFolder, folderTags)) {
+        RecordFailure(file.Path);
+    } else if (QFileInfo(destination).isFile()) {
         // It is kept, and that is no failure. The two are compared at once: there are file systems that make inode
         // numbers up and forget them.
         if (IdentityOf(destination) == IdentityOf(file.Path))
             ownDestinations.insert(file.Path);
-    } else if (!QFile::copy(file.Path, destination)) {
+    } else if (QFile::copy(file.Path, destination)) {
+        CopyAttributes(file.Path, destination);
+    } else {
         RecordFailure(file.Path);
     }
 }

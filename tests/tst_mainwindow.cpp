@@ -4,6 +4,7 @@
 #include "support/AudioSamples.h"
 #include "support/Driver.h"
 #include "support/Sandbox.h"
+#include "tags/FilePath.h"
 
 #include <QBuffer>
 #include <QComboBox>
@@ -240,6 +241,22 @@ private slots:
             QTEST(Rows(), "rows");
         }
         QVERIFY(key.isEmpty() || OpenSettings().value(key).toString() == Home("lib"));
+    }
+
+    void searchesForEachType()
+    {
+        for (const QString& extension : AudioExtensions())
+            PutSample("full." + extension, Home("lib/x." + extension.toUpper()));
+        OpenSettings().setValue("SearchFolderPath", Home("lib"));
+        QString rows;
+        for (int mask = 0; mask < AudioExtensions().size(); ++mask) {
+            FromButton("buttonAdd", "Search", {Dialog("Search", [mask](QWidget* search) {
+                           Choose(*search, "comboSearchMask", mask);
+                           Click(*search, "buttonOK");
+                       })});
+            rows += "lib/x." + AudioExtensions().at(mask).toUpper() + '|';
+            QCOMPARE(Rows() + '|', rows);
+        }
     }
 
     void selectsAndRemoves()
@@ -510,6 +527,7 @@ private slots:
         QCOMPARE(window->windowTitle(), QString("Orvanto - my.set"));
         Click(*window, "checkDeleteOriginal");
         QCOMPARE(window->windowTitle(), QString("Orvanto - my.set*"));
+        Trigger("actionSave_Profile_As", {Files("Save profile", {})});
         Trigger("actionSave_Profile", {});
         QVERIFY(Bytes(path).startsWith("organizeBy=3\nrename=2\n") && Bytes(path).endsWith("deleteOriginal=1\n"));
 
@@ -551,6 +569,13 @@ private slots:
         Trigger("actionLoad_Profile", {Files("Load profile", {path})});
         Click(*window, "radioFixAuto");
         QCOMPARE(window->windowTitle(), QString("Orvanto - my.set*"));
+
+        // Where the profile folder cannot be made, another one serves.
+        QDir(Home("Documents/Orvanto")).removeRecursively();
+        QVERIFY(QFile(Home("Documents/Orvanto")).open(QIODevice::WriteOnly));
+        Trigger("actionSave_Profile_As", {Files("Save profile", {Home("Music/p.ovp")})});
+        QCOMPARE(window->windowTitle(), QString("Orvanto - p"));
+        Run({Question(deleteOriginals, QMessageBox::Yes), Warning("Could not save log."), closeSocial});
     }
 
     void exitPrompt()

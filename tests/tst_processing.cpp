@@ -179,6 +179,29 @@ private slots:
         QVERIFY(worker->files.isEmpty());
     }
 
+    void copiesAreTrueAndStayInside()
+    {
+        worker->settings = {2, 0, {}, false, false, true, In("out"), true};
+        for (const char* file : {"in/1.mp3", "in/2.mp3;Artist=Away", "in/3.mp3;Album=Away"})
+            Add(file);
+        QDir().mkpath(In("out/A"));
+        QDir().mkpath(In("away"));
+        QVERIFY(QFile::link(In("away"), In("out/Away")) && QFile::link(In("away"), In("out/A/Away")));
+        QFile source(In("in/1.mp3"));
+        const QDateTime time(QDate(2001, 2, 3), QTime(4, 5, 6, 789));
+        QVERIFY(source.open(QIODevice::Append) && source.setFileTime(time, QFileDevice::FileModificationTime));
+        source.close();
+        QVERIFY(source.setPermissions(QFileDevice::ReadOwner | QFileDevice::ReadGroup));
+        const QByteArray music = Bytes(source.fileName());
+        const auto permissions = QFileInfo(source.fileName()).permissions();
+        Run();
+        QCOMPARE(Tree().join(' '), QString("in/2.mp3 in/3.mp3 out/A/L/1.mp3"));
+        const QFileInfo copy(In("out/A/L/1.mp3"));
+        QCOMPARE(copy.lastModified(), time);
+        QCOMPARE(copy.permissions(), permissions);
+        QVERIFY(Bytes(copy.filePath()) == music);
+    }
+
     void stops()
     {
         // While it waits for the tag editor.
