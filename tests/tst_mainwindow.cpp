@@ -21,6 +21,7 @@ namespace
 const QStringList addEntries{"File(s)", "Folder", "Folder with Subfolders", "Search"};
 const QStringList removeEntries{"Selected", "All"};
 const QStringList listEntries{"Edit Tags", "Batch Edit Tags", "-", "Remove"};
+const QString removeAll = "Are you sure you want to remove all the files in the list?";
 const QString clearedInfo = "Artist:\nTitle:\nAlbum:\nYear:\nGenre:\nTrack:";
 const QString advice =
     "\nOrvanto could not fix the invalid tags. For better results try to manually edit the tags or try a "
@@ -46,6 +47,18 @@ Answer Fill(const QString& title, const QMap<QString, QString>& texts, const cha
             Type(*dialog, qPrintable(text.key()), text.value());
         Click(*dialog, button);
     });
+}
+
+/// The texts above the fields of the tag editor and on its buttons, as far as they can be seen, without the path.
+QString Visible(const QWidget& editor)
+{
+    QStringList texts;
+    for (const char* name : {"fileLabel", "actionLabel", "buttonOnlineSearch", "buttonPlay", "buttonStop", "buttonOK",
+                             "buttonSkip", "buttonAbort"}) {
+        if (Child<QWidget>(editor, name)->isVisible())
+            texts += Child<QWidget>(editor, name)->property("text").toString();
+    }
+    return texts.join('|');
 }
 
 Answer ExitPrompt(QMessageBox::StandardButton answer)
@@ -155,15 +168,14 @@ private slots:
     void startsInItsDefaultState()
     {
         QCOMPARE(window->size(), QSize(780, 560));
-        QCOMPARE(Get<QComboBox>("comboOrganizeBy")->currentText() + Get<QComboBox>("comboRename")->currentText(),
-                 QString("ArtistArtist-Title"));
+        QCOMPARE(Get<QComboBox>("comboOrganizeBy")->currentText(), QString("Artist"));
+        QCOMPARE(Get<QComboBox>("comboRename")->currentText(), QString("Artist-Title"));
         QVERIFY(Get<QAbstractButton>("radioFixAuto")->isChecked());
         QVERIFY(Get<QAbstractButton>("checkOnlyEditInvalid")->isChecked());
         QVERIFY(!Get<QWidget>("checkOnlyEditInvalid")->isEnabled() && !Get<QWidget>("groupAudioPlayer")->isVisible());
-        QCOMPARE(Get<QLineEdit>("editOutputFolder")->text(), Home("Music"));
-        QVERIFY(IsIdle() && Info() == clearedInfo);
-        QVERIFY(Get<QWidget>("label")->testAttribute(Qt::WA_MacSmallSize) &&
-                !Get<QWidget>("buttonAdd")->testAttribute(Qt::WA_MacSmallSize));
+        QVERIFY(Get<QLineEdit>("editOutputFolder")->text() == Home("Music") && IsIdle() && Info() == clearedInfo);
+        QVERIFY(Get<QWidget>("label")->testAttribute(Qt::WA_MacSmallSize));
+        QVERIFY(!Get<QWidget>("buttonAdd")->testAttribute(Qt::WA_MacSmallSize));
         for (const char* button : {"buttonAdd", "buttonRemove", "buttonPlay", "buttonStop", "buttonOrganize"})
             QVERIFY2(!Get<QPushButton>(button)->icon().isNull(), button);
         Run({Warning("There are no audio files to process.")});
@@ -294,10 +306,9 @@ private slots:
         DropOn(*window, {Home("x/3.wv")});
         Press(1);
         QVERIFY(Preview().endsWith(".wv"));
-        const QString all = "Are you sure you want to remove all the files in the list?";
-        FromButton("buttonRemove", "All", {Question(all, QMessageBox::No)});
+        FromButton("buttonRemove", "All", {Question(removeAll, QMessageBox::No)});
         QCOMPARE(List().count(), 2);
-        FromButton("buttonRemove", "All", {Question(all, QMessageBox::Yes)});
+        FromButton("buttonRemove", "All", {Question(removeAll, QMessageBox::Yes)});
         QCOMPARE(List().count(), 0);
         FromButton("buttonRemove", "All", {});
         FromButton("buttonRemove", "Selected", {});
@@ -345,7 +356,10 @@ private slots:
         DropOn(*window, {first, second});
         const QByteArray before = Bytes(first);
         FromList(0, "Edit Tags", {Fill("Edit Tags", {{"editTitle", "New"}}, "buttonAbort")});
-        FromList(0, "Edit Tags", {Dialog("Edit Tags", [](QWidget* shown) { shown->close(); })});
+        FromList(0, "Edit Tags", {Dialog("Edit Tags", [](QWidget* editor) {
+                     QCOMPARE(Visible(*editor), QString("Audio file:|Online Tag Search|Play in iTunes|OK|Cancel"));
+                     editor->close();
+                 })});
         QVERIFY(Bytes(first) == before);
         FromList(0, "Edit Tags", {Fill("Edit Tags", {{"editTitle", "New"}, {"editYear", "MCM"}}, "buttonOK")});
         QVERIFY(Info().contains("Title: New\nAlbum: Small Files\nYear: MCM\n"));
@@ -354,7 +368,11 @@ private slots:
         const QString batch = "Batch Edit Tags";
         const QMap<QString, QString> texts{{"editGenre", ""}, {"editArtist", "All"}};
         const QString sure = "Are you sure you want to apply these tags to all the audio files in the list?";
-        FromList(1, batch, {Fill(batch, texts, "buttonAbort")});
+        FromList(1, batch, {Dialog(batch, [](QWidget* editor) {
+                     QCOMPARE(Visible(*editor), QString("Edit the tags of all the files in the list:|OK|Cancel"));
+                     QCOMPARE(editor->height(), 250);
+                     QTest::keyClick(editor, Qt::Key_Escape);
+                 })});
         FromList(1, batch, {Fill(batch, texts, "buttonOK"), Question(sure, QMessageBox::No)});
         QCOMPARE(TagManager().ReadFile(first).Genre, QString("Rock"));
         QTimer drops; // in the middle of the change, they add nothing
@@ -415,8 +433,10 @@ private slots:
             const bool isBroken = text("textFilePath") == broken;
             QCOMPARE(text("editArtist"), QString(!isBroken ? "Björk Ärger" : automatic ? "Ann" : ""));
             QCOMPARE(text("editGenre"), QString(isBroken ? "" : "Rock"));
-            QCOMPARE(text("fileLabel"),
-                     QString(every ? "Audio file:" : "The following file has incomplete/invalid tags:"));
+            const QString heading = every ? "Audio file:"
+                                          : "The following file has incomplete/invalid tags:|Please edit the "
+                                            "incomplete/invalid tags.";
+            QCOMPARE(Visible(*editor), heading + "|Online Tag Search|Play in iTunes|OK|Skip|Abort");
             QCOMPARE(Get<QLabel>("textProgress")->text(), QString("Processing..."));
             DropOn(*window, {Home("in")}); // adds nothing during a run
             if (mode == "radioFixMan") {
@@ -641,9 +661,56 @@ private slots:
         QVERIFY2(turns < 150, "the adding went on");
     }
 
-    void help()
+    void searchKeepsItsChoices()
+    {
+        FromButton("buttonAdd", "Search", {Dialog("Search", [](QWidget* search) {
+                       Type(*search, "editSearchPath", "C:\\My Music");
+                       Click(*search, "checkSearchSubfolders");
+                       Choose(*search, "comboSearchMask", 3);
+                       Click(*search, "buttonCancel");
+                   })});
+        FromButton("buttonAdd", "Search",
+                   {Dialog("Search",
+                           [](QWidget* search) {
+                               QCOMPARE(Child<QLineEdit>(*search, "editSearchPath")->text(), QString("C:/My Music"));
+                               QVERIFY(Child<QAbstractButton>(*search, "checkSearchSubfolders")->isChecked());
+                               QCOMPARE(Child<QComboBox>(*search, "comboSearchMask")->currentText(), QString("*.flac"));
+                               Click(*search, "buttonBrowse");
+                               Click(*search, "buttonOK");
+                           }),
+                    Files("Select folder", {Home("Documents")})});
+        QCOMPARE(OpenSettings().value("SearchFolderPath").toString(), Home("Documents"));
+    }
+
+    void leadsOut()
     {
         Outside outside;
+        const QString name = "50% #1? é \"x\".[2].mp3";
+        DropOn(*window, {PutSample("full.mp3", Home(name))});
+        const QStringList hosts{"discogs.com", "allmusic.com"};
+        FromList(0, "Edit Tags",
+                 {Dialog("Edit Tags",
+                         [](QWidget* editor) {
+                             for (const char* button : {"buttonPlay", "buttonOnlineSearch", "buttonOnlineSearch"})
+                                 Click(*editor, button);
+                             QTest::keyClick(editor, Qt::Key_Escape);
+                         }),
+                  Entry(hosts, hosts.first()), Entry(hosts, hosts.last())});
+        QCOMPARE(QUrl(outside.opened.takeFirst()).toLocalFile(), Home(name));
+        // Digits and separators go, and nothing is escaped: what follows "#" is the browser's affair.
+        QCOMPARE(outside.opened.takeFirst(), QString("http://www.discogs.com/search/?q=%25+#?+%C3%A9+%22x%22+++"));
+        QCOMPARE(outside.opened.takeFirst(), QString("http://www.allmusic.com/search/all/%25+#?+%C3%A9+%22x%22+++"));
+
+        const Answer follow = Dialog("Give Us a Like", [](QWidget* social) {
+            Click(*social, "buttonFacebook");
+            Click(*social, "buttonGoogle");
+            social->close();
+        });
+        Run({success, closeSocial});
+        Run({success, follow});
+        Run({success});
+        QCOMPARE(outside.opened.takeFirst(), QString("http://www.facebook.example/orvanto"));
+        QCOMPARE(outside.opened.takeFirst(), QString("http://plus.google.example/orvanto"));
         const char* rows[][2] = {{"actionOnline_Help", "/help-mac.html"},
                                  {"actionVideo_Tutorial", "/feature.html"},
                                  {"actionOnline_Support", "/contact.html"},
@@ -663,19 +730,14 @@ private slots:
 
     void previewPlayer()
     {
-        // Its controls stay hidden; they are pressed all the same.
-        const auto press = [this](const char* button) { Get<QPushButton>(button)->click(); };
-        press("buttonPlay");
-        press("buttonStop");
+        // Its controls stay hidden; pressed all the same, they show no dialog, whatever the machine can play.
         DropOn(*window, {PutSample("full.wav", Home("x/1.wav"))});
-        Press(0);
-        press("buttonPlay");
-        press("buttonPlay");
-        FromButton("buttonRemove", "All",
-                   {Question("Are you sure you want to remove all the files in the list?", QMessageBox::Yes)});
-        press("buttonPlay");
-        QVERIFY(Rows().isEmpty());
-        Sandbox::TakeWarnings(); // a machine without sound says so
+        for (const char* button : {"buttonPlay", "buttonStop", "buttonPlay", "buttonPlay"}) {
+            Do([&] { Get<QPushButton>(button)->click(); }, {});
+            Press(0);
+        }
+        FromButton("buttonRemove", "All", {Question(removeAll, QMessageBox::Yes)});
+        Sandbox::TakeWarnings(); // a machine without sound has its say
     }
 
     void garbageInTheSettingsStoreReadsAsTheDefaults()

@@ -53,17 +53,6 @@ private slots:
         }
     }
 
-    void pathRules()
-    {
-        const char* rows[][3] = {{"/m/Song.MP3", "mp3", "Song"},  {"/m/01.My.Song.mp3", "mp3", "01.My.Song"},
-                                 {"/a.b/song", "b/song", "song"}, {"song", "song", "song"},
-                                 {"/m/song.", "", "song"},        {"/m/.mp3", "mp3", ""}};
-        for (const auto& [path, extension, baseName] : rows) {
-            QCOMPARE(ExtensionOf(path), QString(extension));
-            QCOMPARE(BaseNameOf(path), QString(baseName));
-        }
-    }
-
     void incomplete()
     {
         const SAudioFile complete{"t", "a", "b", "1", "g", "2", "/x.mp3"};
