@@ -4,12 +4,19 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QTemporaryDir>
 
 #include <fileref.h>
 #include <tag.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
+#include <iterator>
 #include <system_error>
 
 namespace
@@ -56,19 +63,74 @@ QString StoredPath(const QString& path)
     return QFileInfo::exists(path) ? path : path.normalized(QString::NormalizationForm_D);
 }
 
-/// Whether the volume of @p path has room for rewriting that file with @p text in it. TagLib rewrites in place: on a
-/// full volume it has been seen to cut the audio off while it reports success.
-bool HasRoomToSave(const QString& path, const QString& text)
+/// A copy of an audio file to write tags into, in a hidden folder beside it (hidden folders never join the list).
+/// TagLib rewrites in place, where a crash or a full volume cuts the audio off; so the copy is written, and replaces
+/// the file in one step when it is whole.
+class SafeCopy
 {
-    constexpr std::uintmax_t margin = 4 << 20;          // bytes, for paddings and what other programs write meanwhile
-    constexpr std::uintmax_t bytesPerCharacter = 2 * 4; // UTF-8 or UTF-16, in two tags at the most
-    const std::filesystem::path file(QFile::encodeName(path).toStdString());
-    std::error_code error;
-    const std::uintmax_t size = std::filesystem::file_size(file, error);
-    if (error)
-        return false;
-    const std::filesystem::space_info volume = std::filesystem::space(file, error);
-    return !error && volume.available >= size + margin + bytesPerCharacter * static_cast<std::uintmax_t>(text.size());
+public:
+    explicit SafeCopy(const QString& path)
+        : original(QFileInfo(path).canonicalFilePath()),
+          folder(QFileInfo(original).path() + QStringLiteral("/.orvanto-XXXXXX")),
+          copy(folder.filePath(QFileInfo(original).fileName()))
+    {}
+
+    QByteArray Name() const { return QFile::encodeName(copy); }
+
+    /// Makes the copy. @return false when the file is not to be written, or its volume has no room for one as large
+    /// with @p textSize more characters: even then TagLib would report success.
+    bool Make(int textSize) const
+    {
+        constexpr std::uintmax_t margin = 4 << 20;          // bytes, for paddings and what others write meanwhile
+        constexpr std::uintmax_t bytesPerCharacter = 2 * 4; // UTF-8 or UTF-16, in two tags at the most
+        const std::filesystem::path from(QFile::encodeName(original).toStdString());
+        std::error_code error;
+        const std::uintmax_t size = std::filesystem::file_size(from, error);
+        const std::uintmax_t available = error ? 0 : std::filesystem::space(from, error).available;
+        return !error && available >= size + margin + bytesPerCharacter * static_cast<std::uintmax_t>(textSize) &&
+               QFileInfo(original).isWritable() && folder.isValid() &&
+               std::filesystem::copy_file(from, Name().toStdString(), error);
+    }
+
+    /// Puts the copy in the file's place, with the same owner where we may give files away.
+    void Replace() const
+    {
+        const QByteArray name = QFile::encodeName(original);
+        struct stat status;
+        [[maybe_unused]] const bool sameOwner =
+            stat(name.constData(), &status) == 0 && chown(Name().constData(), status.st_uid, status.st_gid) == 0;
+        std::rename(Name().constData(), name.constData());
+    }
+
+private:
+    const QString original;
+    const QTemporaryDir folder;
+    const QString copy;
+};
+
+void SetTag(TagLib::Tag& tag, int index, const QString& text)
+{
+    const TagLib::String value = ToTagLib(text);
+    switch (index) {
+    case Tag::Artist:
+        tag.setArtist(value);
+        break;
+    case Tag::Title:
+        tag.setTitle(value);
+        break;
+    case Tag::Album:
+        tag.setAlbum(value);
+        break;
+    case Tag::Year:
+        tag.setYear(static_cast<unsigned int>(value.toInt()));
+        break;
+    case Tag::Genre:
+        tag.setGenre(value);
+        break;
+    case Tag::Track:
+        tag.setTrack(static_cast<unsigned int>(value.toInt()));
+        break;
+    }
 }
 
 const TagLib::Tag* TagOf(const TagLib::FileRef& file)
@@ -94,36 +156,42 @@ QString TagManager::GetInfo(int index) const
 
 bool TagManager::SetInfo(int index, const QString& text) const
 {
-    TagLib::FileRef file = CreateFileRef();
-    TagLib::Tag* const tag = file.isNull() ? nullptr : file.tag();
-    if (!tag || index < Tag::Artist || index > Tag::Track)
-        return false;
-    if (TagText(tag, index) == text)
+    return index >= Tag::Artist && index <= Tag::Track && Write({{index, text}});
+}
+
+/// Sets tags in this order and saves the file, both only if any of them reads differently now.
+/// @return false when the file cannot be opened or has no tags.
+bool TagManager::Write(const std::vector<std::pair<int, QString>>& values) const
+{
+    std::vector<std::pair<int, QString>> changes;
+    {
+        const TagLib::FileRef file = CreateFileRef();
+        const TagLib::Tag* const tag = TagOf(file);
+        if (!tag)
+            return false;
+        std::copy_if(values.begin(), values.end(), std::back_inserter(changes),
+                     [tag](const auto& value) { return TagText(tag, value.first) != value.second; });
+    }
+    if (changes.empty())
+        return true;
+    int textSize = 0;
+    for (const auto& [index, text] : changes)
+        textSize += text.size();
+    const SafeCopy copy(StoredPath(path));
+    if (!copy.Make(textSize))
         return true;
 
-    const TagLib::String value = ToTagLib(text);
-    switch (index) {
-    case Tag::Artist:
-        tag->setArtist(value);
-        break;
-    case Tag::Title:
-        tag->setTitle(value);
-        break;
-    case Tag::Album:
-        tag->setAlbum(value);
-        break;
-    case Tag::Year:
-        tag->setYear(static_cast<unsigned int>(value.toInt()));
-        break;
-    case Tag::Genre:
-        tag->setGenre(value);
-        break;
-    case Tag::Track:
-        tag->setTrack(static_cast<unsigned int>(value.toInt()));
-        break;
+    bool saved = false;
+    {
+        TagLib::FileRef file(copy.Name().constData(), false);
+        if (!file.isNull() && file.tag()) {
+            for (const auto& [index, text] : changes)
+                SetTag(*file.tag(), index, text);
+            saved = file.save();
+        }
     }
-    if (HasRoomToSave(StoredPath(path), text))
-        file.save();
+    if (saved)
+        copy.Replace();
     return true;
 }
 
@@ -141,6 +209,8 @@ SAudioFile TagManager::ReadFile(const QString& filePath)
 void TagManager::WriteFile(const SAudioFile& file)
 {
     path = file.Path;
+    std::vector<std::pair<int, QString>> values;
     for (const int index : writeOrder)
-        SetInfo(index, file.*allTags[static_cast<std::size_t>(index - 1)].field);
+        values.emplace_back(index, file.*allTags[static_cast<std::size_t>(index - 1)].field);
+    Write(values);
 }

@@ -2,6 +2,9 @@
 
 #include "tags/SAudioFile.h"
 
+#include <utility>
+#include <vector>
+
 namespace TagLib
 {
 class FileRef;
@@ -25,12 +28,15 @@ public:
     /// A tag that already reads as @p text is left alone, so that what plain text cannot express survives: a full
     /// date behind the year, "3/12" behind the track, several artists.
     /// @return false when the file cannot be opened, has no tags, or @p index names none. Whether the save succeeded
-    /// is not looked at by design; on a volume without room for it, the file is left alone.
+    /// is not told by design; a file that cannot be saved whole is left as it was.
     bool SetInfo(int index, const QString& text) const;
 
     /// The whole record of the file at @p filePath, from one opening; the same texts as six calls of GetInfo().
     SAudioFile ReadFile(const QString& filePath);
 
-    /// Writes all six tags of @p file into the file at its path, each through SetInfo().
+    /// Writes all six tags of @p file into the file at its path, as by SetInfo() for each, but saves it once.
     void WriteFile(const SAudioFile& file);
+
+private:
+    bool Write(const std::vector<std::pair<int, QString>>& values) const;
 };

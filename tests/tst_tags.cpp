@@ -97,6 +97,16 @@ private slots:
             for (const int noTag : {0, 7})
                 QVERIFY(tags.GetInfo(noTag) == "Unknown" && !tags.SetInfo(noTag, "x"));
         }
+        // A link stays one, a file keeps its permissions, and nothing is left beside them.
+        tags.path = folder.filePath("link.mp3");
+        QVERIFY(QFile::link(folder.filePath("x.mp3"), tags.path));
+        QVERIFY(QFile::setPermissions(tags.path,
+                                      QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadOther));
+        const auto permissions = QFileInfo(tags.path).permissions();
+        QVERIFY(tags.SetInfo(Tag::Title, "by way of the link"));
+        QVERIFY(QFileInfo(tags.path).isSymLink() && QFileInfo(tags.path).permissions() == permissions);
+        QCOMPARE(tags.ReadFile(folder.filePath("x.mp3")).Title, QString("by way of the link"));
+        QCOMPARE(QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 11);
     }
 
     void equalTextsLeaveTheFileAlone()
