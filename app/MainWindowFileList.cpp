@@ -166,6 +166,7 @@ QStringList MainWindow::EntriesBySize(const QString& folder, QDir::Filters filte
         paths += folder + name;
     return paths;
 }
+
 /// Adds the files of @p folder, smallest first, then those of its subfolders in the same order. A recursive walk is
 /// part of a larger change: its caller rebuilds the rows.
 void MainWindow::AddFolder(QString folder, bool recursive)
