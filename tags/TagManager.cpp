@@ -210,6 +210,7 @@ void TagManager::WriteFile(const SAudioFile& file)
 {
     path = file.Path;
     std::vector<std::pair<int, QString>> values;
+    values.reserve(writeOrder.size());
     for (const int index : writeOrder)
         values.emplace_back(index, file.*allTags[static_cast<std::size_t>(index - 1)].field);
     Write(values);
