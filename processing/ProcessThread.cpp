@@ -41,8 +41,6 @@ void TakeNamingPlaceholdersBack(SAudioFile& file)
     }
 }
 
-using FileIdentity = std::pair<quint64, quint64>;
-
 /// Gives @p copy the permissions and the modification time of @p source, exactly: QFile::copy() forgets the time and,
 /// for a user who may write to everything, adds the right to write. A copy without them is no failure.
 void CopyAttributes(const QString& source, const QString& copy)
@@ -64,7 +62,10 @@ void CopyAttributes(const QString& source, const QString& copy)
 /// Whether a folder named by these tags is, or lies behind, a link that leads out of @p outputFolder.
 bool LeadsOut(const QString& outputFolder, const QStringList& folderTags)
 {
-    const auto canonical = [](const QString& path) { return QDir(path).canonicalPath() + QLatin1Char('/'); };
+    const auto canonical = [](const QString& path) {
+        const QString folder = QDir(path).canonicalPath();
+        return folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
+    };
     const QString root = canonical(outputFolder + QLatin1Char('/'));
     for (int levels = 1; levels <= folderTags.size(); ++levels) {
         const QString folder = BuildFolderPath(outputFolder, folderTags.mid(0, levels));
@@ -73,6 +74,8 @@ bool LeadsOut(const QString& outputFolder, const QStringList& folderTags)
     }
     return false;
 }
+
+using FileIdentity = std::pair<quint64, quint64>;
 
 /// Device and inode: the same for every spelling of a path to the same file.
 std::optional<FileIdentity> IdentityOf(const QString& path)
