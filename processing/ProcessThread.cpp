@@ -271,7 +271,8 @@ void ProcessThread::CopyFile(int index, const QString& name)
     const QString destination = BuildFolderPath(settings.outputFolder, folderTags) + QLatin1Char('/') + name +
                                 QLatin1Char('.') + ExtensionOf(file.Path);
     outputPaths += destination;
-    if (LeadsOut(settings.outputFolder, folderTags)) {
+    // A pipe or a device in the source's place would be waited for, or count as copied.
+    if (!QFileInfo(file.Path).isFile() || LeadsOut(settings.outputFolder, folderTags)) {
         RecordFailure(file.Path);
     } else if (QFileInfo(destination).isFile()) {
         // It is kept, and that is no failure. The two are compared at once: there are file systems that make inode

@@ -8,6 +8,8 @@
 
 #include <fileref.h>
 #include <tag.h>
+#include <taglib.h>
+#include <tfilestream.h>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -62,6 +64,52 @@ QString StoredPath(const QString& path)
 {
     return QFileInfo::exists(path) ? path : path.normalized(QString::NormalizationForm_D);
 }
+
+#if TAGLIB_MAJOR_VERSION >= 2
+using Offset = TagLib::offset_t;
+using Length = size_t;
+using NewLength = TagLib::offset_t;
+#else
+using Offset = unsigned long;
+using Length = unsigned long;
+using NewLength = long;
+#endif
+
+/// A file stream that keeps account of how long the file ought to be: TagLib looks at no write's result.
+class CountingStream : public TagLib::FileStream
+{
+public:
+    explicit CountingStream(const char* name) : TagLib::FileStream(name), expected(length()) {}
+
+    void writeBlock(const TagLib::ByteVector& data) override
+    {
+        const auto end = static_cast<qint64>(tell()) + data.size();
+        TagLib::FileStream::writeBlock(data);
+        expected = std::max<qint64>(expected, end);
+    }
+    void insert(const TagLib::ByteVector& data, Offset start, Length replace) override
+    {
+        const qint64 before = expected;
+        TagLib::FileStream::insert(data, start, replace);
+        expected = before + data.size() - static_cast<qint64>(replace);
+    }
+    void removeBlock(Offset start, Length removed) override
+    {
+        const qint64 before = expected;
+        TagLib::FileStream::removeBlock(start, removed);
+        expected = before - static_cast<qint64>(removed);
+    }
+    void truncate(NewLength newLength) override
+    {
+        TagLib::FileStream::truncate(newLength);
+        expected = newLength;
+    }
+
+    qint64 Expected() const { return expected; } // bytes
+
+private:
+    qint64 expected;
+};
 
 /// A copy of an audio file to write tags into, in a hidden folder beside it (hidden folders never join the list).
 /// TagLib rewrites in place, where a crash or a full volume cuts the audio off; so the copy is written, and replaces
@@ -182,15 +230,18 @@ bool TagManager::Write(const std::vector<std::pair<int, QString>>& values) const
         return true;
 
     bool saved = false;
+    qint64 expected = 0;
     {
-        TagLib::FileRef file(copy.Name().constData(), false);
+        CountingStream stream(copy.Name().constData());
+        TagLib::FileRef file(&stream, false);
         if (!file.isNull() && file.tag()) {
             for (const auto& [index, text] : changes)
                 SetTag(*file.tag(), index, text);
             saved = file.save();
         }
+        expected = stream.Expected();
     }
-    if (saved)
+    if (saved && QFileInfo(QFile::decodeName(copy.Name())).size() == expected)
         copy.Replace();
     return true;
 }
