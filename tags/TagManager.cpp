@@ -93,13 +93,7 @@ public:
         TagLib::FileStream::insert(data, start, replace);
         expected = before + data.size() - static_cast<qint64>(replace);
     }
-    void removeBlock(Offset start, Length removed) override
-    {
-        const qint64 before = expected;
-        TagLib::FileStream::removeBlock(start, removed);
-        expected = before - static_cast<qint64>(removed);
-    }
-    void truncate(NewLength newLength) override
+    void truncate(NewLength newLength) override // removing a block ends with this, too
     {
         TagLib::FileStream::truncate(newLength);
         expected = newLength;
