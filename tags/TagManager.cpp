@@ -134,14 +134,17 @@ public:
                std::filesystem::copy_file(from, Name().toStdString(), error);
     }
 
-    /// Puts the copy in the file's place, with the same owner where we may give files away.
-    void Replace() const
+    /// Puts the copy in the file's place, with the same owner where we may give files away, unless it is not
+    /// @p expectedSize bytes long. It is on the disk before: a power cut must not leave an empty file.
+    void Replace(qint64 expectedSize) const
     {
         const QByteArray name = QFile::encodeName(original);
         struct stat status;
         [[maybe_unused]] const bool sameOwner =
             stat(name.constData(), &status) == 0 && chown(Name().constData(), status.st_uid, status.st_gid) == 0;
-        std::rename(Name().constData(), name.constData());
+        QFile file(copy);
+        if (file.open(QIODevice::ReadOnly) && file.size() == expectedSize && fsync(file.handle()) == 0)
+            std::rename(Name().constData(), name.constData());
     }
 
 private:
@@ -235,8 +238,8 @@ bool TagManager::Write(const std::vector<std::pair<int, QString>>& values) const
         }
         expected = stream.Expected();
     }
-    if (saved && QFileInfo(QFile::decodeName(copy.Name())).size() == expected)
-        copy.Replace();
+    if (saved)
+        copy.Replace(expected);
     return true;
 }
 
