@@ -89,9 +89,12 @@ public:
     }
     void insert(const TagLib::ByteVector& data, Offset start, Length replace) override
     {
-        const qint64 before = expected;
+        // A damaged file may make TagLib replace more than there is.
+        const auto before = static_cast<quint64>(expected);
+        const auto from = static_cast<quint64>(start);
+        const quint64 replaced = std::min<quint64>(replace, before > from ? before - from : 0);
         TagLib::FileStream::insert(data, start, replace);
-        expected = before + data.size() - static_cast<qint64>(replace);
+        expected = static_cast<qint64>(before + data.size() - replaced);
     }
     void truncate(NewLength newLength) override // removing a block ends with this, too
     {
