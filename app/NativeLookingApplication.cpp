@@ -12,6 +12,8 @@ void NativeLookingApplication::Prepare()
 {
     setAttribute(Qt::AA_EnableHighDpiScaling);
     setAttribute(Qt::AA_UseHighDpiPixmaps);
+    // Wayland has no other way to a window's icon.
+    setDesktopFileName(QStringLiteral(ORVANTO_APPLICATION_ID));
     // File names are UTF-8 everywhere today, also where the locale is missing or says otherwise.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 }
