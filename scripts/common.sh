@@ -9,7 +9,8 @@ build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev qtmultimedia5-dev l
 # What the player needs to be heard; building and testing do not.
 sound_packages=(gstreamer1.0-plugins-good gstreamer1.0-libav)
 virtual_display_packages=(xvfb xauth)
-check_packages=(git clang-format clang-tidy)
+package_packages=(dpkg-dev file lintian desktop-file-utils appstream imagemagick)
+check_packages=(git clang clang-format clang-tidy)
 
 # install PACKAGE...: installs those that are missing; needs neither the network nor any right when none is.
 install() {
