@@ -405,7 +405,7 @@ void CompareWithBareLoops(const QString& place)
     for (const Artists artists : {Artists::Same, Artists::Distinct}) {
         std::array<std::array<std::vector<double>, 3>, 2> times;
         for (int round = 0; round < 3; ++round) {
-            for (const std::size_t size : {0, 1}) {
+            for (std::size_t size = 0; size < 2; ++size) {
                 const QString folder = MakeLibrary(place + "/steps", size ? 20000 : 10000, artists);
                 const auto seconds = Steps(folder, out);
                 QDir(folder).removeRecursively();
