@@ -296,6 +296,7 @@ private:
         environment.insert("XDG_RUNTIME_DIR", folder.path());
         QProcess process;
         process.setProcessEnvironment(environment);
+        process.setWorkingDirectory(folder.path());
         process.start(QCoreApplication::applicationFilePath(), arguments);
         Outcome outcome;
         QElapsedTimer clock, sinceStart, sinceLeave;
