@@ -41,13 +41,19 @@ void TakeNamingPlaceholdersBack(SAudioFile& file)
     }
 }
 
-/// Gives @p copy the permissions and the modification time of @p source, exactly: QFile::copy() forgets the time and,
-/// for a user who may write to everything, adds the right to write. A copy without them is no failure.
-void CopyAttributes(const QString& source, const QString& copy)
+/// What the file system says of a file, behind links; nothing when there is none.
+std::optional<struct stat> StatusOf(const QString& path)
 {
     struct stat status;
-    if (stat(QFile::encodeName(source).constData(), &status) != 0)
-        return;
+    if (stat(QFile::encodeName(path).constData(), &status) != 0)
+        return std::nullopt;
+    return status;
+}
+
+/// Gives @p copy the permissions and the modification time of its source, exactly: QFile::copy() forgets the time and,
+/// for a user who may write to everything, adds the right to write. A copy without them is no failure.
+void CopyAttributes(const struct stat& status, const QString& copy)
+{
 #ifdef Q_OS_MACOS
     const timespec modified = status.st_mtimespec;
 #else
@@ -80,10 +86,8 @@ using FileIdentity = std::pair<quint64, quint64>;
 /// Device and inode: the same for every spelling of a path to the same file.
 std::optional<FileIdentity> IdentityOf(const QString& path)
 {
-    struct stat status;
-    if (stat(QFile::encodeName(path).constData(), &status) != 0)
-        return std::nullopt;
-    return FileIdentity(status.st_dev, status.st_ino);
+    const auto status = StatusOf(path);
+    return status ? std::optional(FileIdentity(status->st_dev, status->st_ino)) : std::nullopt;
 }
 } // namespace
 
@@ -105,6 +109,7 @@ void ProcessThread::Init()
     dialogResult = -1;
     outputPaths.clear();
     failedPaths.clear();
+    foldersLeadingOut.clear();
     ownDestinations.clear();
 }
 
@@ -223,7 +228,7 @@ bool ProcessThread::AskUser(SAudioFile& file)
 }
 
 /// Makes one folder for each distinct combination of tags. Failures show when files are copied.
-void ProcessThread::CreateFolders() const
+void ProcessThread::CreateFolders()
 {
     const QDir workingFolder;
     if (!settings.outputFolder.isEmpty())
@@ -235,8 +240,12 @@ void ProcessThread::CreateFolders() const
         if (tags.isEmpty() || made.contains(tags))
             continue;
         made.insert(tags);
+        if (LeadsOut(settings.outputFolder, tags)) {
+            foldersLeadingOut.insert(tags);
+            continue;
+        }
         // Only a top level named "Unknown" is refused, a lower one may be.
-        if (StrippedOfReservedChars(tags.first()) == unknownTag || LeadsOut(settings.outputFolder, tags))
+        if (StrippedOfReservedChars(tags.first()) == unknownTag)
             continue;
         const QString folder = BuildFolderPath(settings.outputFolder, tags);
         if (tags.size() == 1)
@@ -271,8 +280,9 @@ void ProcessThread::CopyFile(int index, const QString& name)
     const QString destination = BuildFolderPath(settings.outputFolder, folderTags) + QLatin1Char('/') + name +
                                 QLatin1Char('.') + ExtensionOf(file.Path);
     outputPaths += destination;
+    const auto source = StatusOf(file.Path);
     // A pipe or a device in the source's place would be waited for, or count as copied.
-    if (!QFileInfo(file.Path).isFile() || LeadsOut(settings.outputFolder, folderTags)) {
+    if (!source || !S_ISREG(source->st_mode) || foldersLeadingOut.contains(folderTags)) {
         RecordFailure(file.Path);
     } else if (QFileInfo(destination).isFile()) {
         // It is kept, and that is no failure. The two are compared at once: there are file systems that make inode
@@ -280,7 +290,7 @@ void ProcessThread::CopyFile(int index, const QString& name)
         if (IdentityOf(destination) == IdentityOf(file.Path))
             ownDestinations.insert(file.Path);
     } else if (QFile::copy(file.Path, destination)) {
-        CopyAttributes(file.Path, destination);
+        CopyAttributes(*source, destination);
     } else {
         RecordFailure(file.Path);
     }

@@ -64,12 +64,13 @@ private:
     bool FixTags();
     bool FixFromFileName(SAudioFile& file);
     bool AskUser(SAudioFile& file);
-    void CreateFolders() const;
+    void CreateFolders();
     void CopyFiles();
     void CopyFile(int index, const QString& name);
     void RecordFailure(const QString& sourcePath);
     void DeleteOriginals();
 
+    QSet<QStringList> foldersLeadingOut; ///< tags whose folder is not ours to write into
     QSet<QString> ownDestinations; ///< sources that turned out to be their own destination
 };
 

@@ -60,9 +60,12 @@ QString TagText(const TagLib::Tag* tag, int index)
 }
 
 /// The file systems of macOS take a name in either normalisation form, those of Linux only the stored one.
-QString StoredPath(const QString& path)
+QFileInfo StoredFile(const QString& path)
 {
-    return QFileInfo::exists(path) ? path : path.normalized(QString::NormalizationForm_D);
+    QFileInfo file(path);
+    if (!file.exists())
+        file.setFile(path.normalized(QString::NormalizationForm_D));
+    return file;
 }
 
 #if TAGLIB_MAJOR_VERSION >= 2
@@ -189,11 +192,11 @@ const TagLib::Tag* TagOf(const TagLib::FileRef& file)
 
 TagLib::FileRef TagManager::CreateFileRef() const
 {
-    const QString stored = StoredPath(path);
+    const QFileInfo stored = StoredFile(path);
     // TagLib would take a folder for an untagged file and wait for ever at a pipe.
-    if (!QFileInfo(stored).isFile())
+    if (!stored.isFile())
         return TagLib::FileRef();
-    return TagLib::FileRef(stored.toUtf8().constData(), true, TagLib::AudioProperties::Average);
+    return TagLib::FileRef(stored.filePath().toUtf8().constData(), true, TagLib::AudioProperties::Average);
 }
 
 QString TagManager::GetInfo(int index) const
@@ -225,7 +228,7 @@ bool TagManager::Write(const std::vector<std::pair<int, QString>>& values) const
     int textSize = 0;
     for (const auto& [index, text] : changes)
         textSize += text.size();
-    const SafeCopy copy(StoredPath(path));
+    const SafeCopy copy(StoredFile(path).filePath());
     if (!copy.Make(textSize))
         return true;
 

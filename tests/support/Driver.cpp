@@ -79,6 +79,14 @@ Answers::Answers(QList<Answer> inOrder) : answers(std::move(inOrder))
         Look();
     });
     timer.start(lookInterval);
+    qApp->installEventFilter(this);
+}
+
+bool Answers::eventFilter(QObject* receiver, QEvent* event)
+{
+    if (event->type() == QEvent::Show && receiver->isWidgetType() && static_cast<QWidget*>(receiver)->isWindow())
+        timer.start(0);
+    return false;
 }
 
 Answers::~Answers()

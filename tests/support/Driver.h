@@ -45,14 +45,16 @@ private slots:
 using Answer = std::function<void(QWidget*)>;
 
 /// Answers that are given to the modal dialogs and popup menus that come up while it lives, one each and in order.
-class Answers
+/// As soon as they are shown: no user is waited for in what is timed.
+class Answers : public QObject
 {
 public:
     explicit Answers(QList<Answer> inOrder);
     /// Fails the test when an answer was not needed, or a dialog came up without one or did not close in time.
-    ~Answers();
+    ~Answers() override;
     /// Fails the test unless every answer has been given; waits for that.
     void Finish();
+    bool eventFilter(QObject* receiver, QEvent* event) override;
 
 private:
     void Look();
