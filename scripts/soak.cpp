@@ -470,7 +470,7 @@ void Soak::Killed()
             const int id = PieceIn(path);
             const SAudioFile file = TagManager().ReadFile(path);
             const QStringList titles{"www.tone.com", "", QString("Tone %1").arg(id), QString("Song %1").arg(id)};
-            // What was being written lies in a hidden folder, which never joins a list.
+            // What was being written is a hidden file whose name never joins a list.
             Check(path.contains("/.orvanto-") ||
                       (path == Name(id) && titles.contains(file.Title) && file.Album == complete.Album),
                   where + ": changed " + path);

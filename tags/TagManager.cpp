@@ -4,12 +4,13 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryDir>
+#include <QTemporaryFile>
 
 #include <fileref.h>
 #include <tag.h>
 #include <taglib.h>
 #include <tfilestream.h>
+#include <tiostream.h>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,7 +19,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
-#include <iterator>
+#include <memory>
 #include <system_error>
 
 namespace
@@ -59,104 +60,149 @@ QString TagText(const TagLib::Tag* tag, int index)
     }
 }
 
-/// The file systems of macOS take a name in either normalisation form, those of Linux only the stored one.
-QFileInfo StoredFile(const QString& path)
+/// The name of the file at @p path for the file system; empty when there is no file.
+QByteArray FileName(const QString& path)
 {
     QFileInfo file(path);
+    // The file systems of macOS take a name in either normalisation form, those of Linux only the stored one.
     if (!file.exists())
         file.setFile(path.normalized(QString::NormalizationForm_D));
-    return file;
+    // TagLib would take a folder for an untagged file and wait for ever at a pipe.
+    return file.isFile() ? file.filePath().toUtf8() : QByteArray();
 }
 
 #if TAGLIB_MAJOR_VERSION >= 2
-using Offset = TagLib::offset_t;
+using Start = TagLib::offset_t; // of a block
 using Length = size_t;
-using NewLength = TagLib::offset_t;
+using Offset = TagLib::offset_t;
 #else
-using Offset = unsigned long;
+using Start = unsigned long;
 using Length = unsigned long;
-using NewLength = long;
+using Offset = long;
 #endif
 
-/// A file stream that keeps account of how long the file ought to be: TagLib looks at no write's result.
-class CountingStream : public TagLib::FileStream
+/// What TagLib reads an audio file through and, once it is switched to a copy with the same bytes, writes that copy
+/// through: one parsing serves both. It keeps account of how long the copy ought to be: TagLib looks at no write's
+/// result.
+class SwitchableStream : public TagLib::IOStream
 {
 public:
-    explicit CountingStream(const char* name) : TagLib::FileStream(name), expected(length()) {}
+    explicit SwitchableStream(const QByteArray& path)
+        : stream(std::make_unique<TagLib::FileStream>(path.constData(), true)), expected(stream->length())
+    {}
+
+    /// @return false when the copy cannot be opened or is not as long; what is read stays the file then.
+    bool SwitchTo(const QByteArray& copy)
+    {
+        auto next = std::make_unique<TagLib::FileStream>(copy.constData());
+        if (next->readOnly() || next->length() != expected)
+            return false;
+        next->seek(stream->tell());
+        stream = std::move(next);
+        return true;
+    }
+    /// Writes everything out. @return how many bytes there should be now.
+    qint64 Close()
+    {
+        stream.reset();
+        return expected;
+    }
 
     void writeBlock(const TagLib::ByteVector& data) override
     {
         const auto end = static_cast<qint64>(tell()) + data.size();
-        TagLib::FileStream::writeBlock(data);
+        stream->writeBlock(data);
         expected = std::max<qint64>(expected, end);
     }
-    void insert(const TagLib::ByteVector& data, Offset start, Length replace) override
+    void insert(const TagLib::ByteVector& data, Start start, Length replace) override
     {
-        // A damaged file may make TagLib replace more than there is.
-        const auto before = static_cast<quint64>(expected);
-        const auto from = static_cast<quint64>(start);
-        const quint64 replaced = std::min<quint64>(replace, before > from ? before - from : 0);
-        TagLib::FileStream::insert(data, start, replace);
-        expected = static_cast<qint64>(before + data.size() - replaced);
+        stream->insert(data, start, replace);
+        expected = LengthWith(data.size(), start, replace);
     }
-    void truncate(NewLength newLength) override // removing a block ends with this, too
+    void removeBlock(Start start, Length length) override
     {
-        TagLib::FileStream::truncate(newLength);
+        stream->removeBlock(start, length);
+        expected = LengthWith(0, start, length);
+    }
+    void truncate(Offset newLength) override
+    {
+        stream->truncate(newLength);
         expected = newLength;
     }
 
-    qint64 Expected() const { return expected; } // bytes
+    TagLib::FileName name() const override { return stream->name(); }
+    TagLib::ByteVector readBlock(Length length) override { return stream->readBlock(length); }
+    bool readOnly() const override { return stream->readOnly(); }
+    bool isOpen() const override { return stream->isOpen(); }
+    void seek(Offset offset, Position from) override { stream->seek(offset, from); }
+    void clear() override { stream->clear(); }
+    Offset tell() const override { return stream->tell(); }
+    Offset length() override { return stream->length(); }
 
 private:
+    /// The length with @p size bytes in place of the @p replaced ones from @p start on, of which a damaged file may
+    /// make TagLib name more than there are.
+    qint64 LengthWith(quint64 size, Start start, Length replaced) const
+    {
+        const auto before = static_cast<quint64>(expected), from = static_cast<quint64>(start);
+        const quint64 behind = before > from && before - from > replaced ? before - from - replaced : 0;
+        return static_cast<qint64>(from + size + behind);
+    }
+
+    std::unique_ptr<TagLib::FileStream> stream;
     qint64 expected;
 };
 
-/// A copy of an audio file to write tags into, in a hidden folder beside it (hidden folders never join the list).
-/// TagLib rewrites in place, where a crash or a full volume cuts the audio off; so the copy is written, and replaces
-/// the file in one step when it is whole.
+/// A hidden copy beside an audio file, to write tags into. TagLib rewrites in place, where a crash or a full volume
+/// cuts the audio off; so the copy is written, and replaces the file in one step when it is whole.
 class SafeCopy
 {
 public:
     explicit SafeCopy(const QString& path)
-        : original(QFileInfo(path).canonicalFilePath()),
-          folder(QFileInfo(original).path() + QStringLiteral("/.orvanto-XXXXXX")),
-          copy(folder.filePath(QFileInfo(original).fileName()))
+        : original(QFile::encodeName(QFileInfo(path).canonicalFilePath()).toStdString()), modified(Modified()),
+          copy(QFile::decodeName((original.parent_path() / ".orvanto-XXXXXX").c_str()))
     {}
 
-    QByteArray Name() const { return QFile::encodeName(copy); }
+    QByteArray Name() const { return QFile::encodeName(copy.fileName()); }
 
     /// Makes the copy. @return false when the file is not to be written, or its volume has no room for one as large
     /// with @p textSize more characters: even then TagLib would report success.
-    bool Make(int textSize) const
+    bool Make(int textSize)
     {
         constexpr std::uintmax_t margin = 4 << 20;          // bytes, for paddings and what others write meanwhile
         constexpr std::uintmax_t bytesPerCharacter = 2 * 4; // UTF-8 or UTF-16, in two tags at the most
-        const std::filesystem::path from(QFile::encodeName(original).toStdString());
         std::error_code error;
-        const std::uintmax_t size = std::filesystem::file_size(from, error);
-        const std::uintmax_t available = error ? 0 : std::filesystem::space(from, error).available;
+        const std::uintmax_t size = std::filesystem::file_size(original, error);
+        const std::uintmax_t available = error ? 0 : std::filesystem::space(original, error).available;
         return !error && available >= size + margin + bytesPerCharacter * static_cast<std::uintmax_t>(textSize) &&
-               QFileInfo(original).isWritable() && folder.isValid() &&
-               std::filesystem::copy_file(from, Name().toStdString(), error);
+               access(original.c_str(), W_OK) == 0 && copy.open() &&
+               std::filesystem::copy_file(original, Name().toStdString(),
+                                          std::filesystem::copy_options::overwrite_existing, error);
     }
 
     /// Puts the copy in the file's place, with the same owner where we may give files away, unless it is not
-    /// @p expectedSize bytes long. It is on the disk before: a power cut must not leave an empty file.
-    void Replace(qint64 expectedSize) const
+    /// @p expectedSize bytes long or somebody else has written the file meanwhile. The copy is on the disk before: a
+    /// power cut must not leave an empty file.
+    void Replace(qint64 expectedSize)
     {
-        const QByteArray name = QFile::encodeName(original);
         struct stat status;
         [[maybe_unused]] const bool sameOwner =
-            stat(name.constData(), &status) == 0 && chown(Name().constData(), status.st_uid, status.st_gid) == 0;
-        QFile file(copy);
-        if (file.open(QIODevice::ReadOnly) && file.size() == expectedSize && fsync(file.handle()) == 0)
-            std::rename(Name().constData(), name.constData());
+            stat(original.c_str(), &status) == 0 && fchown(copy.handle(), status.st_uid, status.st_gid) == 0;
+        if (copy.size() == expectedSize && Modified() == modified && fsync(copy.handle()) == 0 &&
+            std::rename(Name().constData(), original.c_str()) == 0)
+            copy.setAutoRemove(false);
     }
 
 private:
-    const QString original;
-    const QTemporaryDir folder;
-    const QString copy;
+    std::filesystem::file_time_type Modified() const
+    {
+        std::error_code error;
+        return std::filesystem::last_write_time(original, error);
+    }
+
+    const std::filesystem::path original;
+    const std::filesystem::file_time_type modified;
+    QTemporaryFile copy;
 };
 
 void SetTag(TagLib::Tag& tag, int index, const QString& text)
@@ -192,11 +238,9 @@ const TagLib::Tag* TagOf(const TagLib::FileRef& file)
 
 TagLib::FileRef TagManager::CreateFileRef() const
 {
-    const QFileInfo stored = StoredFile(path);
-    // TagLib would take a folder for an untagged file and wait for ever at a pipe.
-    if (!stored.isFile())
-        return TagLib::FileRef();
-    return TagLib::FileRef(stored.filePath().toUtf8().constData(), true, TagLib::AudioProperties::Average);
+    const QByteArray name = FileName(path);
+    return name.isEmpty() ? TagLib::FileRef()
+                          : TagLib::FileRef(name.constData(), true, TagLib::AudioProperties::Average);
 }
 
 QString TagManager::GetInfo(int index) const
@@ -214,38 +258,31 @@ bool TagManager::SetInfo(int index, const QString& text) const
 /// @return false when the file cannot be opened or has no tags.
 bool TagManager::Write(const std::vector<std::pair<int, QString>>& values) const
 {
-    std::vector<std::pair<int, QString>> changes;
+    const QByteArray name = FileName(path);
+    if (name.isEmpty())
+        return false;
+    SafeCopy copy(QFile::decodeName(name));
+    SwitchableStream stream(name);
     {
-        const TagLib::FileRef file = CreateFileRef();
-        const TagLib::Tag* const tag = TagOf(file);
-        if (!tag)
-            return false;
-        std::copy_if(values.begin(), values.end(), std::back_inserter(changes),
-                     [tag](const auto& value) { return TagText(tag, value.first) != value.second; });
-    }
-    if (changes.empty())
-        return true;
-    int textSize = 0;
-    for (const auto& [index, text] : changes)
-        textSize += text.size();
-    const SafeCopy copy(StoredFile(path).filePath());
-    if (!copy.Make(textSize))
-        return true;
-
-    bool saved = false;
-    qint64 expected = 0;
-    {
-        CountingStream stream(copy.Name().constData());
         TagLib::FileRef file(&stream, false);
-        if (!file.isNull() && file.tag()) {
-            for (const auto& [index, text] : changes)
-                SetTag(*file.tag(), index, text);
-            saved = file.save();
+        if (!TagOf(file))
+            return false;
+        int textSize = 0;
+        std::vector<std::pair<int, QString>> changes;
+        for (const auto& [index, text] : values) {
+            if (TagText(file.tag(), index) == text)
+                continue;
+            changes.emplace_back(index, text);
+            textSize += text.size();
         }
-        expected = stream.Expected();
+        if (changes.empty() || !copy.Make(textSize) || !stream.SwitchTo(copy.Name()))
+            return true;
+        for (const auto& [index, text] : changes)
+            SetTag(*file.tag(), index, text);
+        if (!file.save())
+            return true;
     }
-    if (saved)
-        copy.Replace(expected);
+    copy.Replace(stream.Close());
     return true;
 }
 
