@@ -4,6 +4,9 @@
 #include "support/Driver.h"
 #include "support/Sandbox.h"
 #include "tags/FilePath.h"
+#ifdef Q_OS_LINUX
+#include "support/Openings.h"
+#endif
 
 #include <QDirIterator>
 #include <QElapsedTimer>
@@ -219,7 +222,7 @@ public:
         });
     }
 
-    /// Empties one tag of every file, which the click on Start does before it returns.
+    /// Empties the title of every file, which the click on Start does before it returns; the run gives it a new one.
     double Erase(const QString& output)
     {
         Answers answers(
@@ -232,13 +235,13 @@ public:
         return seconds;
     }
 
-    double BatchEdit(const QString& album)
+    double BatchEdit(const char* field, const QString& text)
     {
         Press();
         QElapsedTimer clock;
         Answers answers({Dialog("Batch Edit Tags",
-                                [&album](QWidget* editor) {
-                                    Type(*editor, "editAlbum", album);
+                                [&](QWidget* editor) {
+                                    Type(*editor, field, text);
                                     Click(*editor, "buttonOK");
                                 }),
                          StartingClock(clock)});
@@ -350,16 +353,9 @@ double ChildMegabytes(const QStringList& what)
     return child.readAllStandardOutput().trimmed().toDouble();
 }
 
-/// What a child process does. Its memory, or a window that ends at its first picture.
-int BeChild(const QStringList& arguments)
+/// A child's memory with an empty window, or with the files of a folder.
+int ReportMemory(const QStringList& arguments)
 {
-    if (arguments.at(0) == "--start") {
-        MainWindow window(nullptr);
-        window.show();
-        const bool exposed = QTest::qWaitForWindowExposed(&window);
-        window.repaint();
-        return exposed ? 0 : 1;
-    }
     Window window;
     if (arguments.at(0) == "--list")
         window.Add({arguments.at(1)});
@@ -367,6 +363,16 @@ int BeChild(const QStringList& arguments)
     getrusage(RUSAGE_SELF, &usage);
     std::printf("%.1f\n", static_cast<double>(usage.ru_maxrss) / 1024); // kilobytes on Linux
     return 0;
+}
+
+/// A child that is a window until its first picture, in its parent's home.
+int ShowWindow()
+{
+    MainWindow window(nullptr);
+    window.show();
+    const bool exposed = QTest::qWaitForWindowExposed(&window);
+    window.repaint();
+    return exposed ? 0 : 1;
 }
 
 std::unique_ptr<Window> Listed(const QString& folder)
@@ -411,6 +417,15 @@ void MeasureAdd(const QString& place)
         [&] { return Window().AddBare(medium); }, 1.5);
     const QString large = MakeLibrary(place + "/20000", 20000), huge = MakeLibrary(place + "/40000", 40000);
     Compare("add 40,000", Adding(huge), "20,000", Adding(large), 2.5, 3);
+#ifdef Q_OS_LINUX
+    const QString few = MakeLibrary(place + "/1000", 1000);
+    Window window;
+    Openings openings(few);
+    window.Add({few});
+    const QMap<QString, int> counts = openings.Take();
+    Print("openings of each file while it is added", "", QString("%1 files").arg(counts.size()),
+          *std::max_element(counts.begin(), counts.end()), 1);
+#endif
 }
 
 void MeasureDrop(const QString& place)
@@ -470,12 +485,13 @@ void MeasureSaving(const QString& place)
     int edit = 0;
     const Timed bare = [&] { return SaveBare(folder, ++edit % 2 ? "Even" : "Odd"); };
     Compare(
-        "batch-edit 1,000 files, one field", [&] { return window->BatchEdit(QString("Album %1").arg(++edit)); },
+        "batch-edit 1,000 files, one field",
+        [&] { return window->BatchEdit("editAlbum", QString("Album %1").arg(++edit)); },
         "one opening and one save each", bare, 2);
     Compare(
         "erase web addresses of 1,000 files",
         [&] {
-            window->BatchEdit("www.tone.com");
+            window->BatchEdit("editTitle", "www.tone.com");
             return window->Erase(place + "/out");
         },
         "one opening and one save each", bare, 2);
@@ -522,7 +538,8 @@ void MeasureLargeLibrary(const QString& place)
     freeze("add", [&] { window.Add({library}); });
     freeze("rebuild", [&] { window.Rebuild(); });
     freeze("process", [&] { window.Process(place + "/out"); });
-    freeze("batch-edit", [&] { window.BatchEdit("www.tone.com"); });
+    freeze("batch-edit", [&] { window.BatchEdit("editTitle", "www.tone.com"); });
+    Empty(place + "/out");
     freeze("erase, process", [&] { window.Erase(place + "/out"); });
 }
 
@@ -535,12 +552,14 @@ constexpr std::pair<const char*, void (*)(const QString&)> sections[] = {
 
 int main(int argc, char** argv)
 {
-    const Sandbox sandbox;
     NativeLookingApplication::Prepare();
     NativeLookingApplication application(argc, argv);
     const QStringList arguments = application.arguments().mid(1);
+    if (arguments.value(0) == "--start")
+        return ShowWindow();
+    const Sandbox sandbox;
     if (arguments.value(0).startsWith("--"))
-        return BeChild(arguments);
+        return ReportMemory(arguments);
     std::printf("| %-46s | %-44s | %15s | %6s | %6s | %s |\n", "work", "against", "measured", "ratio", "bound",
                 "holds");
     std::printf("|---|---|---|---|---|---|\n");

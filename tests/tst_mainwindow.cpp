@@ -5,6 +5,9 @@
 #include "support/Driver.h"
 #include "support/Sandbox.h"
 #include "tags/FilePath.h"
+#ifdef Q_OS_LINUX
+#include "support/Openings.h"
+#endif
 
 #include <QBuffer>
 #include <QComboBox>
@@ -15,9 +18,22 @@
 #include <QMediaPlayer>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QStyledItemDelegate>
 
 namespace
 {
+/// Counts how often the list asks for the size of a row, which is what laying rows out costs.
+class CountingDelegate : public QStyledItemDelegate
+{
+public:
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        ++sizes;
+        return QStyledItemDelegate::sizeHint(option, index);
+    }
+    mutable int sizes = 0;
+};
+
 const QStringList addEntries{"File(s)", "Folder", "Folder with Subfolders", "Search"};
 const QStringList removeEntries{"Selected", "All"};
 const QStringList listEntries{"Edit Tags", "Batch Edit Tags", "-", "Remove"};
@@ -253,6 +269,42 @@ private slots:
             QTEST(Rows(), "rows");
         }
         QVERIFY(key.isEmpty() || OpenSettings().value(key).toString() == Home("lib"));
+    }
+
+    void layoutGrowsWithTheRows()
+    {
+        CountingDelegate delegate;
+        List().setItemDelegate(&delegate);
+        for (const int count : {600, 1200}) {
+            while (QDir(Home("many")).count() < uint(count) + 2)
+                PutSample("bare.spx", Home(QString("many/%1.spx").arg(QDir(Home("many")).count())));
+            DropOn(*window, {Home("many")});
+            QCOMPARE(List().count(), count);
+            delegate.sizes = 0;
+            Press(0);
+            FromButton("buttonRemove", "Selected",
+                       {Question("Are you sure you want to remove the selected file?", QMessageBox::Yes)});
+            QVERIFY2(delegate.sizes <= count * 3 / 2, qPrintable(QString::number(delegate.sizes)));
+        }
+    }
+
+    void opensEachFileOnce()
+    {
+#ifdef Q_OS_LINUX
+        QMap<QString, int> once, twice;
+        for (const QString& extension : AudioExtensions()) {
+            PutSample("full." + extension, Home("lib/x." + extension));
+            once["x." + extension] = 1;
+            twice["x." + extension] = 2;
+        }
+        Openings openings(Home("lib"));
+        DropOn(*window, {Home("lib")});
+        QCOMPARE(openings.Take(), once);
+        Run({success, closeSocial});
+        QCOMPARE(openings.Take(), twice); // copied, and read for the new list
+#else
+        QSKIP("Nothing here tells of openings.");
+#endif
     }
 
     void searchesForEachType()
