@@ -271,6 +271,39 @@ private slots:
         QVERIFY(key.isEmpty() || OpenSettings().value(key).toString() == Home("lib"));
     }
 
+    void captionsFitALargeFont()
+    {
+        const QFont usual = QApplication::font();
+        const auto restore = qScopeGuard([&usual] { QApplication::setFont(usual); });
+        QFont large = usual;
+        large.setPointSizeF(usual.pointSizeF() * 1.5);
+        QApplication::setFont(large);
+        window = std::make_unique<MainWindow>(nullptr);
+        window->show();
+
+        const auto check = [](const QWidget* shown) {
+            for (const auto* const button : shown->findChildren<QAbstractButton*>()) {
+                const int text = button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width();
+                const bool isPushButton = qobject_cast<const QPushButton*>(button);
+                const int needed = isPushButton ? text : button->sizeHint().width();
+                QVERIFY2(!button->isVisible() || needed <= button->width(), qPrintable(button->text()));
+            }
+            for (const auto* const label : shown->findChildren<QLabel*>()) {
+                const bool wraps = label->wordWrap() && label->isVisible();
+                QVERIFY2(!wraps || label->heightForWidth(label->width()) <= label->height(), qPrintable(label->text()));
+            }
+        };
+        check(window.get());
+        QVERIFY(Get<QWidget>("label_4")->font().pointSizeF() < Get<QWidget>("label_2")->font().pointSizeF());
+        DropOn(*window, {PutSample("full.mp3", Home("x/1.mp3"))});
+        for (const char* entry : {"Edit Tags", "Batch Edit Tags"}) {
+            FromList(0, entry, {[&check](QWidget* editor) {
+                         check(editor);
+                         Click(*editor, "buttonAbort");
+                     }});
+        }
+    }
+
     void layoutGrowsWithTheRows()
     {
         CountingDelegate delegate;
