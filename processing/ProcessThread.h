@@ -71,7 +71,7 @@ private:
     void DeleteOriginals();
 
     QSet<QStringList> foldersLeadingOut; ///< tags whose folder is not ours to write into
-    QSet<QString> ownDestinations; ///< sources that turned out to be their own destination
+    QSet<QString> ownDestinations;       ///< sources that turned out to be their own destination
 };
 
 /// What `failureText` holds as long as nothing has failed.
