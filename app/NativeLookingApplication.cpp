@@ -1,55 +1,12 @@
 #include "app/NativeLookingApplication.h"
 
+#include "app/CaptionFit.h"
+
 #include <QEvent>
-#include <QFontInfo>
-#include <QLabel>
-#include <QPushButton>
 #include <QTextCodec>
-#include <QToolButton>
+#include <QWidget>
 
 #include <algorithm>
-
-namespace
-{
-/// Whether a caption is drawn whole in the room that its widget has.
-bool Fits(const QWidget* widget)
-{
-    const QFontMetrics metrics = widget->fontMetrics();
-    if (const auto* const label = qobject_cast<const QLabel*>(widget)) {
-        const QSize room = label->contentsRect().size();
-        const QSize text = metrics.boundingRect({{}, room}, Qt::TextWordWrap, label->text()).size();
-        return text.width() <= room.width() && text.height() <= room.height();
-    }
-    if (const auto* const button = qobject_cast<const QPushButton*>(widget)) {
-        // Its size hint has a least width that a form may fall below.
-        const int icon = button->icon().isNull() ? 0 : button->iconSize().width() + 4; // as the styles leave
-        return metrics.size(Qt::TextShowMnemonic, button->text()).width() + icon <= button->width();
-    }
-    return widget->sizeHint().width() <= widget->width();
-}
-
-/// Captions whose room the form has fixed are drawn smaller where a user's large font would be cut off.
-void FitCaptions(const QWidget& window)
-{
-    QList<QWidget*> captions;
-    for (auto* const label : window.findChildren<QLabel*>()) {
-        if (label->maximumHeight() < QWIDGETSIZE_MAX && !label->text().isEmpty())
-            captions += label;
-    }
-    for (auto* const button : window.findChildren<QAbstractButton*>()) {
-        if (!qobject_cast<QToolButton*>(button))
-            captions += button;
-    }
-    for (QWidget* const caption : qAsConst(captions)) {
-        constexpr qreal smallest = 6, step = 0.5; // points
-        QFont font = caption->font();
-        while (!Fits(caption) && QFontInfo(font).pointSizeF() > smallest) {
-            font.setPointSizeF(QFontInfo(font).pointSizeF() - step);
-            caption->setFont(font);
-        }
-    }
-}
-} // namespace
 
 NativeLookingApplication::NativeLookingApplication(int& argc, char** argv) : QApplication(argc, argv) {}
 

@@ -289,35 +289,49 @@ private slots:
                 QVERIFY2(!button->isVisible() || needed <= button->width(), qPrintable(button->text()));
             }
             for (const auto* const label : shown->findChildren<QLabel*>()) {
-                const bool wraps = label->wordWrap() && label->isVisible();
-                QVERIFY2(!wraps || label->heightForWidth(label->width()) <= label->height(), qPrintable(label->text()));
+                const bool whole = label->wordWrap() ? label->heightForWidth(label->width()) <= label->height()
+                                                     : label->sizeHint().width() <= label->width();
+                QVERIFY2(whole || !label->isVisible() || label->objectName() == "textFilePath",
+                         qPrintable(label->text()));
             }
         };
+        const auto look = [&check](const char* title, const char* button = nullptr) {
+            return Dialog(title, [=](QWidget* shown) {
+                check(shown);
+                if (button)
+                    Click(*shown, button);
+                else
+                    shown->close();
+            });
+        };
         check(window.get());
-        QVERIFY(Get<QWidget>("label_4")->font().pointSizeF() < Get<QWidget>("label_2")->font().pointSizeF());
+        QVERIFY(Get<QWidget>("label_4")->font().pixelSize() > 0 && Get<QWidget>("label_2")->font().pixelSize() < 0);
+        QCOMPARE(Get<QWidget>("radioFixAuto")->font(), Get<QWidget>("radioFixMan")->font());
         DropOn(*window, {PutSample("full.mp3", Home("x/1.mp3"))});
-        for (const char* entry : {"Edit Tags", "Batch Edit Tags"}) {
-            FromList(0, entry, {[&check](QWidget* editor) {
-                         check(editor);
-                         Click(*editor, "buttonAbort");
-                     }});
-        }
+        FromList(0, "Edit Tags", {look("Edit Tags", "buttonAbort")});
+        FromList(0, "Batch Edit Tags", {look("Batch Edit Tags", "buttonAbort")});
+        FromButton("buttonAdd", "Search", {look("Search")});
+        Trigger("actionAbout", {look("About Us")});
+        Do([this] { Choose(*window, "comboRename", 6); }, {look("Custom Rename")});
+        Run({success, look("Give Us a Like")});
     }
 
     void layoutGrowsWithTheRows()
     {
         CountingDelegate delegate;
         List().setItemDelegate(&delegate);
+        int made = 0;
         for (const int count : {600, 1200}) {
-            while (QDir(Home("many")).count() < uint(count) + 2)
-                PutSample("bare.spx", Home(QString("many/%1.spx").arg(QDir(Home("many")).count())));
+            for (; made < count; ++made)
+                PutSample("bare.spx", Home(QString("many/%1.spx").arg(made)));
             DropOn(*window, {Home("many")});
             QCOMPARE(List().count(), count);
             delegate.sizes = 0;
             Press(0);
             FromButton("buttonRemove", "Selected",
                        {Question("Are you sure you want to remove the selected file?", QMessageBox::Yes)});
-            QVERIFY2(delegate.sizes <= count * 3 / 2, qPrintable(QString::number(delegate.sizes)));
+            QVERIFY2(delegate.sizes >= count - 1 && delegate.sizes <= count * 3 / 2,
+                     qPrintable(QString::number(delegate.sizes)));
         }
     }
 
