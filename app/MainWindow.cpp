@@ -40,7 +40,7 @@ void MainWindow::ChangeTheme()
 
     const QColor accent(0x07, 0xD3, 0x3A);
     const QColor dark(0x42, 0x42, 0x42);
-    // The garish colours are our decision: whatever shows them uses a role that this theme does not.
+    // The garish colours are on purpose: whatever shows them uses a role that this theme does not.
     const std::pair<QPalette::ColorRole, QColor> colors[] = {
         {QPalette::Window, dark},
         {QPalette::WindowText, Qt::white},
@@ -128,49 +128,35 @@ void MainWindow::ResetInterface()
 {
     settings = SRunSettings();
     settings.outputFolder = StoredFolder(SettingsKey::outputFolder);
-    ui->comboOrganizeBy->setCurrentIndex(settings.organizeBy);
-    ui->comboRename->setCurrentIndex(settings.renameIndex);
-    ui->checkSkipOrganize->setChecked(settings.skipOrganize);
-    ui->radioFixAuto->setChecked(!settings.fixManually);
-    ui->radioFixMan->setChecked(settings.fixManually);
-    ui->checkOnlyEditInvalid->setChecked(settings.onlyEditInvalid);
-    ui->checkOnlyEditInvalid->setEnabled(settings.fixManually);
-    ui->checkDeleteOriginal->setChecked(settings.deleteOriginal);
-    ui->editOutputFolder->setText(settings.outputFolder);
+    ShowSettings();
     ui->progressOrganize->setValue(0);
     ui->progressOrganize->setEnabled(false);
     ClearPreviews();
 }
 
-/// Shows the settings in their widgets, each with the effects of the user's own change.
-void MainWindow::RefreshInterface()
+/// Puts the settings into their widgets, which by itself has no effect.
+void MainWindow::ShowSettings()
 {
     ui->comboOrganizeBy->setCurrentIndex(settings.organizeBy);
-    UpdateOutputPreview();
-    SignalSettingsChanged();
-
     ui->comboRename->setCurrentIndex(settings.renameIndex);
-    if (settings.renameIndex != customRenameIndex)
-        on_comboRename_activated(settings.renameIndex);
-    else
-        UpdateOutputPreview(); // without asking for the scheme again
-
     ui->checkSkipOrganize->setChecked(settings.skipOrganize);
-    on_checkSkipOrganize_clicked(settings.skipOrganize);
-
     ui->radioFixAuto->setChecked(!settings.fixManually);
     ui->radioFixMan->setChecked(settings.fixManually);
-    ui->checkOnlyEditInvalid->setEnabled(settings.fixManually);
-    SignalSettingsChanged();
-
     ui->checkOnlyEditInvalid->setChecked(settings.onlyEditInvalid);
-    SignalSettingsChanged();
-
-    ui->editOutputFolder->setText(settings.outputFolder);
-    on_editOutputFolder_textEdited(settings.outputFolder);
-
+    ui->checkOnlyEditInvalid->setEnabled(settings.fixManually);
     ui->checkDeleteOriginal->setChecked(settings.deleteOriginal);
-    SignalSettingsChanged();
+    ui->editOutputFolder->setText(settings.outputFolder);
+}
+
+/// Shows the settings with the effects of the user's own changes.
+void MainWindow::RefreshInterface()
+{
+    ShowSettings();
+    // The custom scheme is not asked for again.
+    if (settings.renameIndex != customRenameIndex)
+        on_comboRename_activated(settings.renameIndex);
+    on_checkSkipOrganize_clicked(settings.skipOrganize);
+    on_editOutputFolder_textEdited(settings.outputFolder);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

@@ -97,6 +97,7 @@ private:
     void FillCombos();
     void CreatePopupMenus();
     void ResetInterface();
+    void ShowSettings();
     void RefreshInterface();
     void Quit();
 

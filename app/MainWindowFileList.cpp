@@ -45,41 +45,6 @@ private:
     const bool outermost;
 };
 
-/// Whether files are being added or a run is on.
-bool MainWindow::IsBusy() const
-{
-    return !ui->buttonOrganize->isEnabled();
-}
-
-void MainWindow::EnterBusyState(const QString& status)
-{
-    ui->buttonOrganize->setEnabled(false);
-    ui->listAudioFiles->setEnabled(false);
-    ui->buttonAdd->setEnabled(false);
-    ui->buttonRemove->setEnabled(false);
-    ui->progressOrganize->setEnabled(true);
-    ui->textProgress->setText(status);
-}
-
-void MainWindow::LeaveBusyState()
-{
-    ui->buttonOrganize->setEnabled(true);
-    ui->listAudioFiles->setEnabled(true);
-    ui->buttonAdd->setEnabled(true);
-    ui->buttonRemove->setEnabled(true);
-    ui->progressOrganize->setEnabled(false);
-    ui->progressOrganize->setValue(0);
-    ui->textProgress->clear();
-}
-
-/// Lets the window live for a turn in the middle of a change during which its controls are enabled: the user must not
-/// start another one in it. Drops are no input to the event loop and are kept out by themselves.
-void MainWindow::PumpWithoutInput()
-{
-    const QScopedValueRollback<bool> noDrops(takesDrops, false);
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-}
-
 void MainWindow::on_buttonAdd_clicked()
 {
     addMenu->exec(ui->buttonAdd->mapToGlobal(QPoint(0, ui->buttonAdd->height())));
@@ -137,9 +102,10 @@ void MainWindow::OnSearch()
     if (dialog.exec() != QDialog::Accepted || dialog.searchPath.isEmpty())
         return;
     const BusyGuard busy(*this);
-    extensions = QStringList(AudioExtensions().at(dialog.searchMask));
-    AddFolder(dialog.searchPath, dialog.searchSubfolders);
-    extensions = AudioExtensions();
+    {
+        const QScopedValueRollback<QStringList> narrowed(extensions, {AudioExtensions().at(dialog.searchMask)});
+        AddFolder(dialog.searchPath, dialog.searchSubfolders);
+    }
     SynchronizeListAudioFiles(true);
 }
 
@@ -181,7 +147,7 @@ void MainWindow::AddFolder(QString folder, bool recursive)
     AddFilesToList(EntriesBySize(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks), recursive);
     if (!recursive)
         return;
-    // Links to folders are followed, hidden folders are not entered: our decision.
+    // Links to folders are followed, hidden folders are not entered: on purpose.
     for (const QString& subfolder : EntriesBySize(folder, QDir::Dirs | QDir::NoDotAndDotDot))
         AddFolder(subfolder, true);
 }
@@ -205,7 +171,8 @@ void MainWindow::AddFilesToList(const QStringList& files, bool nested)
         SynchronizeListAudioFiles(true);
 }
 
-/// Rebuilds the rows from the records. The current row stays; no row is selected afterwards.
+/// Rebuilds the rows from the records. The current row stays; no row is selected afterwards. @p showProgress: the
+/// window is busy; otherwise its controls are enabled, and input is kept out.
 void MainWindow::SynchronizeListAudioFiles(bool showProgress)
 {
     // All rows first, then one turn of the event loop for each: a list lays all its rows out again at the first turn

@@ -72,7 +72,7 @@ void MainWindow::on_actionLoad_Profile_triggered()
     if (unsavedChanges && !AskYesNo(tr("Loading a profile will overwrite your current settings. Continue?")))
         return;
     // From here on only a successful load clears the flag: after a cancelled or failed one, changes of settings go
-    // unmarked until a profile is loaded. Our decision.
+    // unmarked until a profile is loaded. On purpose.
     loading = true;
     const QString path = QFileDialog::getOpenFileName(this, tr("Load profile"), ProfileFolder(), ProfileFilter());
     if (path.isEmpty())

@@ -95,7 +95,7 @@ void MainWindow::on_buttonBrowseOutFold_clicked()
         UpdateOutputPreview();
         OpenSettings().setValue(SettingsKey::outputFolder, folder);
     }
-    SignalSettingsChanged(); // a cancelled dialog counts as a change, too: our decision
+    SignalSettingsChanged(); // a cancelled dialog counts as a change, too, on purpose
 }
 
 /// The name of the selected file in the preview; empty when none is selected.

@@ -100,7 +100,7 @@ int DialogEditTags::exec()
 
 void DialogEditTags::closeEvent(QCloseEvent* event)
 {
-    // Closing the window skips the file; only Abort and Escape end the run. Our decision.
+    // Closing the window skips the file; only Abort and Escape end the run, on purpose.
     accept();
     event->accept();
 }

@@ -85,7 +85,7 @@ QString BuildFolderPath(const QString& outputFolder, const QStringList& folderTa
 QString BuildPreviewFileName(SAudioFile file, const SRunSettings& settings)
 {
     for (const STag& tag : allTags) {
-        // A missing track stays "0" while a missing year becomes "Year": our decision.
+        // A missing track stays "0" while a missing year becomes "Year", on purpose.
         const QLatin1String absent(tag.index == Tag::Track ? "" : tag.absent);
         QString& text = file.*tag.field;
         if (text == absent)

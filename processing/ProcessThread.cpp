@@ -1,18 +1,13 @@
 #include "processing/ProcessThread.h"
 
 #include "naming/OutputPath.h"
+#include "processing/FileStatus.h"
 #include "tags/FilePath.h"
 #include "tags/TagTextRules.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-
-#include <optional>
-#include <utility>
 
 namespace
 {
@@ -41,54 +36,6 @@ void TakeNamingPlaceholdersBack(SAudioFile& file)
     }
 }
 
-/// What the file system says of a file, behind links; nothing when there is none.
-std::optional<struct stat> StatusOf(const QString& path)
-{
-    struct stat status;
-    if (stat(QFile::encodeName(path).constData(), &status) != 0)
-        return std::nullopt;
-    return status;
-}
-
-/// Gives @p copy the permissions and the modification time of its source, exactly: QFile::copy() forgets the time and,
-/// for a user who may write to everything, adds the right to write. A copy without them is no failure.
-void CopyAttributes(const struct stat& status, const QString& copy)
-{
-#ifdef Q_OS_MACOS
-    const timespec modified = status.st_mtimespec;
-#else
-    const timespec modified = status.st_mtim;
-#endif
-    const timespec times[] = {{0, UTIME_OMIT}, modified}; // of the last access, which stays, and modification
-    const QByteArray copyName = QFile::encodeName(copy);
-    utimensat(AT_FDCWD, copyName.constData(), times, 0);
-    chmod(copyName.constData(), status.st_mode & 0777);
-}
-
-/// Whether a folder named by these tags is, or lies behind, a link that leads out of @p outputFolder.
-bool LeadsOut(const QString& outputFolder, const QStringList& folderTags)
-{
-    const auto canonical = [](const QString& path) {
-        const QString folder = QDir(path).canonicalPath();
-        return folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
-    };
-    const QString root = canonical(outputFolder + QLatin1Char('/'));
-    for (int levels = 1; levels <= folderTags.size(); ++levels) {
-        const QString folder = BuildFolderPath(outputFolder, folderTags.mid(0, levels));
-        if (QFileInfo::exists(folder) && !canonical(folder).startsWith(root))
-            return true;
-    }
-    return false;
-}
-
-using FileIdentity = std::pair<quint64, quint64>;
-
-/// Device and inode: the same for every spelling of a path to the same file.
-std::optional<FileIdentity> IdentityOf(const QString& path)
-{
-    const auto status = StatusOf(path);
-    return status ? std::optional(FileIdentity(status->st_dev, status->st_ino)) : std::nullopt;
-}
 } // namespace
 
 ProcessThread::ProcessThread(QObject* parent) : QThread(parent)
@@ -227,7 +174,8 @@ bool ProcessThread::AskUser(SAudioFile& file)
     return true;
 }
 
-/// Makes one folder for each distinct combination of tags. Failures show when files are copied.
+/// Makes one folder for each distinct combination of tags, and notes those that are not ours to write into; what
+/// becomes a link only later is not seen. Failures show when files are copied.
 void ProcessThread::CreateFolders()
 {
     const QDir workingFolder;
@@ -287,7 +235,7 @@ void ProcessThread::CopyFile(int index, const QString& name)
     } else if (QFileInfo(destination).isFile()) {
         // It is kept, and that is no failure. The two are compared at once: there are file systems that make inode
         // numbers up and forget them.
-        if (IdentityOf(destination) == IdentityOf(file.Path))
+        if (IdentityOf(destination) == IdentityOf(*source))
             ownDestinations.insert(file.Path);
     } else if (QFile::copy(file.Path, destination)) {
         CopyAttributes(*source, destination);

@@ -1,10 +1,10 @@
 #include "tags/TagManager.h"
 
+#include "tags/SafeCopy.h"
 #include "tags/TagTextRules.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryFile>
 
 #include <fileref.h>
 #include <tag.h>
@@ -12,15 +12,8 @@
 #include <tfilestream.h>
 #include <tiostream.h>
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdint>
-#include <cstdio>
-#include <filesystem>
 #include <memory>
-#include <system_error>
 
 namespace
 {
@@ -61,7 +54,7 @@ QString TagText(const TagLib::Tag* tag, int index)
 }
 
 /// The name of the file at @p path for the file system; empty when there is no file.
-QByteArray FileName(const QString& path)
+QByteArray StoredName(const QString& path)
 {
     QFileInfo file(path);
     // The file systems of macOS take a name in either normalisation form, those of Linux only the stored one.
@@ -72,11 +65,11 @@ QByteArray FileName(const QString& path)
 }
 
 #if TAGLIB_MAJOR_VERSION >= 2
-using Start = TagLib::offset_t; // of a block
+using Start = TagLib::offset_t;
 using Length = size_t;
 using Offset = TagLib::offset_t;
 #else
-using Start = unsigned long;
+using Start = unsigned long; // of a block; other positions have a sign
 using Length = unsigned long;
 using Offset = long;
 #endif
@@ -153,58 +146,6 @@ private:
     qint64 expected;
 };
 
-/// A hidden copy beside an audio file, to write tags into. TagLib rewrites in place, where a crash or a full volume
-/// cuts the audio off; so the copy is written, and replaces the file in one step when it is whole.
-class SafeCopy
-{
-public:
-    explicit SafeCopy(const QString& path)
-        : original(QFile::encodeName(QFileInfo(path).canonicalFilePath()).toStdString()), modified(Modified()),
-          copy(QFile::decodeName((original.parent_path() / ".orvanto-XXXXXX").c_str()))
-    {}
-
-    QByteArray Name() const { return QFile::encodeName(copy.fileName()); }
-
-    /// Makes the copy. @return false when the file is not to be written, or its volume has no room for one as large
-    /// with @p textSize more characters: even then TagLib would report success.
-    bool Make(int textSize)
-    {
-        constexpr std::uintmax_t margin = 4 << 20;          // bytes, for paddings and what others write meanwhile
-        constexpr std::uintmax_t bytesPerCharacter = 2 * 4; // UTF-8 or UTF-16, in two tags at the most
-        std::error_code error;
-        const std::uintmax_t size = std::filesystem::file_size(original, error);
-        const std::uintmax_t available = error ? 0 : std::filesystem::space(original, error).available;
-        return !error && available >= size + margin + bytesPerCharacter * static_cast<std::uintmax_t>(textSize) &&
-               access(original.c_str(), W_OK) == 0 && copy.open() &&
-               std::filesystem::copy_file(original, Name().toStdString(),
-                                          std::filesystem::copy_options::overwrite_existing, error);
-    }
-
-    /// Puts the copy in the file's place, with the same owner where we may give files away, unless it is not
-    /// @p expectedSize bytes long or somebody else has written the file meanwhile. The copy is on the disk before: a
-    /// power cut must not leave an empty file.
-    void Replace(qint64 expectedSize)
-    {
-        struct stat status;
-        [[maybe_unused]] const bool sameOwner =
-            stat(original.c_str(), &status) == 0 && fchown(copy.handle(), status.st_uid, status.st_gid) == 0;
-        if (copy.size() == expectedSize && Modified() == modified && fsync(copy.handle()) == 0 &&
-            std::rename(Name().constData(), original.c_str()) == 0)
-            copy.setAutoRemove(false);
-    }
-
-private:
-    std::filesystem::file_time_type Modified() const
-    {
-        std::error_code error;
-        return std::filesystem::last_write_time(original, error);
-    }
-
-    const std::filesystem::path original;
-    const std::filesystem::file_time_type modified;
-    QTemporaryFile copy;
-};
-
 void SetTag(TagLib::Tag& tag, int index, const QString& text)
 {
     const TagLib::String value = ToTagLib(text);
@@ -238,7 +179,7 @@ const TagLib::Tag* TagOf(const TagLib::FileRef& file)
 
 TagLib::FileRef TagManager::CreateFileRef() const
 {
-    const QByteArray name = FileName(path);
+    const QByteArray name = StoredName(path);
     return name.isEmpty() ? TagLib::FileRef()
                           : TagLib::FileRef(name.constData(), true, TagLib::AudioProperties::Average);
 }
@@ -258,7 +199,7 @@ bool TagManager::SetInfo(int index, const QString& text) const
 /// @return false when the file cannot be opened or has no tags.
 bool TagManager::Write(const std::vector<std::pair<int, QString>>& values) const
 {
-    const QByteArray name = FileName(path);
+    const QByteArray name = StoredName(path);
     if (name.isEmpty())
         return false;
     SafeCopy copy(QFile::decodeName(name));

@@ -44,8 +44,8 @@ private slots:
 
 using Answer = std::function<void(QWidget*)>;
 
-/// Answers that are given to the modal dialogs and popup menus that come up while it lives, one each and in order.
-/// As soon as they are shown: no user is waited for in what is timed.
+/// Answers that are given to the modal dialogs and popup menus that come up while it lives, one each and in order,
+/// as soon as they are shown.
 class Answers : public QObject
 {
 public:

@@ -15,6 +15,7 @@ public:
     explicit Openings(const QString& folder)
     {
         inotify_add_watch(queue, QFile::encodeName(folder).constData(), IN_OPEN | IN_CLOSE);
+        // Without a closing between them, equal events become one.
     }
     ~Openings() { close(queue); }
     Q_DISABLE_COPY(Openings)

@@ -20,6 +20,7 @@ void KeepWarning(QtMsgType type, const QMessageLogContext& context, const QStrin
 Sandbox::Sandbox()
 {
     qputenv("HOME", folder.path().toUtf8());
+    qputenv("CFFIXED_USER_HOME", folder.path().toUtf8()); // macOS asks this before HOME; not tried there
     qputenv("XDG_RUNTIME_DIR", folder.path().toUtf8());
     for (const char* variable : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
         qunsetenv(variable);
