@@ -6,14 +6,12 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev qtmultimedia5-dev libqt5multimedia5-plugins libtag1-dev
     fonts-dejavu-core)
-# What the player needs to be heard; building and testing do not.
-sound_packages=(gstreamer1.0-plugins-good gstreamer1.0-libav)
 virtual_display_packages=(xvfb xauth)
 package_packages=(dpkg-dev file lintian desktop-file-utils appstream imagemagick)
 check_packages=(git clang clang-format clang-tidy)
 
-# install PACKAGE...: installs those that are missing; needs neither the network nor any right when none is.
-install() {
+# install_packages PACKAGE...: installs those that are missing; needs neither the network nor any right when none is.
+install_packages() {
     if ! command -v apt-get >/dev/null; then
         # Neither macOS nor another Linux has been tried: this only says what CMake will look for.
         if [[ $(uname) == Darwin ]]; then

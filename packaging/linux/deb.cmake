@@ -10,9 +10,6 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION sound)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE ${HOMEPAGE})
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# Qt loads these at run time, where dpkg-shlibdeps does not see them: without the first, nothing plays at all.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS libqt5multimedia5-plugins)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "gstreamer1.0-plugins-good, gstreamer1.0-libav")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
 "Audio files are collected in a list, and folders and file names are made from
 their tags, by one of sixteen layouts and seven ways to name files.

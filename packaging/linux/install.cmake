@@ -28,4 +28,4 @@ install(FILES resources/Profile.svg DESTINATION ${ICON_FOLDER}/scalable/mimetype
 
 # The folder docs stays one there, so that what its pages and README name is found.
 install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} OPTIONAL)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
