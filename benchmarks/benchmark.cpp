@@ -271,10 +271,11 @@ private:
 double ProcessBare(const QString& folder, const QString& output)
 {
     Empty(output);
+    const QStringList paths = FilesIn(folder);
     return SecondsInThread([&] {
         TagManager tags;
         QSet<QString> made;
-        for (const QString& path : FilesIn(folder)) {
+        for (const QString& path : paths) {
             const QString target = output + '/' + tags.ReadFile(path).Artist;
             if (!made.contains(target))
                 QDir().mkpath(target);
@@ -300,7 +301,7 @@ double SaveBare(const QString& folder, const char* text)
     const QStringList paths = FilesIn(folder);
     return Seconds([&] {
         for (const QString& path : paths) {
-            TagLib::FileRef file(QFile::encodeName(path).constData());
+            TagLib::FileRef file(QFile::encodeName(path).constData(), false);
             file.tag()->setAlbum(text);
             file.save();
         }
@@ -355,7 +356,10 @@ double ChildMegabytes(const QStringList& what)
     QProcess child;
     child.start(QCoreApplication::applicationFilePath(), what);
     child.waitForFinished(-1);
-    return child.readAllStandardOutput().trimmed().toDouble();
+    const double megabytes = child.readAllStandardOutput().trimmed().toDouble();
+    if (megabytes <= 0)
+        qFatal("a child that lists files failed");
+    return megabytes;
 }
 
 /// A child's memory with an empty window, or with the files of a folder.
@@ -397,7 +401,13 @@ Timed Adding(const QString& folder)
 void MeasureStart(const QString&)
 {
     const auto run = [](const QString& program, const QStringList& arguments) {
-        return [=] { return Seconds([&] { QProcess::execute(program, arguments); }); };
+        return [=] {
+            int code = 0;
+            const double seconds = Seconds([&] { code = QProcess::execute(program, arguments); });
+            if (code != 0)
+                qFatal("%s failed", qPrintable(program));
+            return seconds;
+        };
     };
     Compare("start to the first painted window", run(QCoreApplication::applicationFilePath(), {"--start"}),
             "a bare window with a list", run(QCoreApplication::applicationDirPath() + "/orvanto-bare-window", {}), 1.5,
@@ -430,6 +440,8 @@ void MeasureAdd(const QString& place)
     Openings openings(few);
     window.Add({few});
     const QMap<QString, int> counts = openings.Take();
+    if (counts.size() != 1000)
+        qFatal("openings are not told");
     Print("openings of each file while it is added", "", QString("%1 files").arg(counts.size()),
           *std::max_element(counts.begin(), counts.end()), 1);
 #endif
@@ -569,6 +581,11 @@ int main(int argc, char** argv)
     const Sandbox sandbox;
     if (arguments.value(0).startsWith("--"))
         return ReportMemory(arguments);
+    for (const QString& argument : arguments) {
+        const auto isNamed = [&argument](const auto& section) { return argument == section.first; };
+        if (std::none_of(std::begin(sections), std::end(sections), isNamed))
+            qFatal("there is no section %s", qPrintable(argument));
+    }
     std::printf("| %-46s | %-44s | %15s | %6s | %6s | %s |\n", "work", "against", "measured", "ratio", "bound",
                 "holds");
     std::printf("|---|---|---|---|---|---|\n");
