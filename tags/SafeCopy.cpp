@@ -22,12 +22,24 @@ bool Flush(int file)
     return fsync(file) == 0;
 #endif
 }
+
+/// The time of the last change of any kind: when a file was modified, some programs set back.
+timespec ChangeTime(const struct stat& status)
+{
+#ifdef Q_OS_MACOS
+    return status.st_ctimespec;
+#else
+    return status.st_ctim;
+#endif
+}
 } // namespace
 
 SafeCopy::SafeCopy(const QString& path)
-    : original(QFile::encodeName(QFileInfo(path).canonicalFilePath()).toStdString()), changed(LastChange()),
+    : original(QFile::encodeName(QFileInfo(path).canonicalFilePath()).toStdString()),
       copy(QFile::decodeName((original.parent_path() / ".orvanto-XXXXXX").c_str()))
-{}
+{
+    stat(original.c_str(), &before);
+}
 
 QByteArray SafeCopy::Name() const
 {
@@ -39,25 +51,23 @@ bool SafeCopy::Make(int textSize)
     constexpr std::uintmax_t margin = 4 << 20;          // bytes, for paddings and what others write meanwhile
     constexpr std::uintmax_t bytesPerCharacter = 2 * 4; // UTF-8 or UTF-16, in two tags at the most
     std::error_code error;
-    const std::uintmax_t size = std::filesystem::file_size(original, error);
-    const std::uintmax_t available = error ? 0 : std::filesystem::space(original, error).available;
-    return !error && available >= size + margin + bytesPerCharacter * static_cast<std::uintmax_t>(textSize) &&
-           access(original.c_str(), W_OK) == 0 && copy.open() &&
+    const std::uintmax_t available = std::filesystem::space(original, error).available;
+    const std::uintmax_t needed = static_cast<std::uintmax_t>(before.st_size) + margin +
+                                  bytesPerCharacter * static_cast<std::uintmax_t>(textSize);
+    return !error && available >= needed && access(original.c_str(), W_OK) == 0 && copy.open() &&
            std::filesystem::copy_file(original, Name().toStdString(), std::filesystem::copy_options::overwrite_existing,
                                       error);
 }
 
 void SafeCopy::Replace(qint64 expectedSize)
 {
-    struct stat status;
-    [[maybe_unused]] const bool sameOwner =
-        stat(original.c_str(), &status) == 0 && fchown(copy.handle(), status.st_uid, status.st_gid) == 0;
-    if (copy.size() == expectedSize && LastChange() == changed && Flush(copy.handle()) &&
+    struct stat now = {};
+    if (stat(original.c_str(), &now) != 0)
+        return;
+    const timespec then = ChangeTime(before), changed = ChangeTime(now);
+    const bool isUnchanged = then.tv_sec == changed.tv_sec && then.tv_nsec == changed.tv_nsec;
+    [[maybe_unused]] const bool sameOwner = fchown(copy.handle(), now.st_uid, now.st_gid) == 0;
+    if (isUnchanged && copy.size() == expectedSize && Flush(copy.handle()) &&
         std::rename(Name().constData(), original.c_str()) == 0)
         copy.setAutoRemove(false);
-}
-
-QDateTime SafeCopy::LastChange() const
-{
-    return QFileInfo(QFile::decodeName(original.c_str())).metadataChangeTime();
 }

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <QDateTime>
 #include <QString>
 #include <QTemporaryFile>
+
+#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -27,9 +28,7 @@ public:
     void Replace(qint64 expectedSize);
 
 private:
-    QDateTime LastChange() const;
-
     const std::filesystem::path original;
-    const QDateTime changed; // not when it was modified, which some programs set back
+    struct stat before = {}; ///< the file's status when this was made
     QTemporaryFile copy;
 };
