@@ -2,6 +2,7 @@
 
 #include "app/MessageBoxes.h"
 #include "app/Percentage.h"
+#include "dialogs/AskForFolder.h"
 #include "dialogs/DialogSearch.h"
 #include "platform/UserSettings.h"
 #include "tags/FilePath.h"
@@ -76,8 +77,7 @@ void MainWindow::OnAddFiles()
 
 void MainWindow::OnAddFolder()
 {
-    const QString folder =
-        QFileDialog::getExistingDirectory(this, tr("Select folder"), StoredFolder(SettingsKey::addFolder));
+    const QString folder = AskForFolder(this, SettingsKey::addFolder);
     if (folder.isEmpty())
         return;
     AddFolder(folder, false);
@@ -86,8 +86,7 @@ void MainWindow::OnAddFolder()
 
 void MainWindow::OnAddFolderWithSubfolders()
 {
-    const QString folder =
-        QFileDialog::getExistingDirectory(this, tr("Select folder"), StoredFolder(SettingsKey::addFolder));
+    const QString folder = AskForFolder(this, SettingsKey::addFolder);
     if (folder.isEmpty())
         return;
     const BusyGuard busy(*this);

@@ -1,12 +1,11 @@
 #include "app/MainWindow.h"
 
+#include "dialogs/AskForFolder.h"
 #include "dialogs/DialogRename.h"
 #include "naming/OutputPath.h"
 #include "platform/UserSettings.h"
 #include "tags/FilePath.h"
 #include "ui_MainWindow.h"
-
-#include <QFileDialog>
 
 void MainWindow::SignalSettingsChanged()
 {
@@ -87,8 +86,7 @@ void MainWindow::on_editOutputFolder_textEdited(const QString& text)
 
 void MainWindow::on_buttonBrowseOutFold_clicked()
 {
-    const QString folder =
-        QFileDialog::getExistingDirectory(this, tr("Select folder"), StoredFolder(SettingsKey::outputFolder));
+    const QString folder = AskForFolder(this, SettingsKey::outputFolder);
     if (!folder.isEmpty()) {
         ui->editOutputFolder->setText(folder);
         settings.outputFolder = folder;

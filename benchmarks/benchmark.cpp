@@ -8,7 +8,6 @@
 #include "support/Openings.h"
 #endif
 
-#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <QListWidget>
@@ -133,15 +132,6 @@ QString MakeLargeFiles(const QString& folder)
     return folder;
 }
 
-QStringList FilesIn(const QString& folder)
-{
-    QStringList paths;
-    QDirIterator files(folder, QDir::Files, QDirIterator::Subdirectories);
-    while (files.hasNext())
-        paths += files.next();
-    return paths;
-}
-
 void Empty(const QString& folder)
 {
     QDir(folder).removeRecursively();
@@ -198,7 +188,7 @@ public:
     {
         return Seconds([&] {
             TagManager tags;
-            const QStringList paths = FilesIn(folder);
+            const QStringList paths = FilesBelow(folder);
             for (const QString& path : paths)
                 tags.ReadFile(path);
             Fill(paths);
@@ -271,7 +261,7 @@ private:
 double ProcessBare(const QString& folder, const QString& output)
 {
     Empty(output);
-    const QStringList paths = FilesIn(folder);
+    const QStringList paths = FilesBelow(folder);
     return SecondsInThread([&] {
         TagManager tags;
         QSet<QString> made;
@@ -288,7 +278,7 @@ double ProcessBare(const QString& folder, const QString& output)
 double CopyBare(const QString& folder, const QString& output)
 {
     Empty(output);
-    const QStringList paths = FilesIn(folder);
+    const QStringList paths = FilesBelow(folder);
     return SecondsInThread([&] {
         for (const QString& path : paths)
             QFile::copy(path, output + '/' + QFileInfo(path).fileName());
@@ -298,7 +288,7 @@ double CopyBare(const QString& folder, const QString& output)
 /// Opens and saves each file once, where it is.
 double SaveBare(const QString& folder, const char* text)
 {
-    const QStringList paths = FilesIn(folder);
+    const QStringList paths = FilesBelow(folder);
     return Seconds([&] {
         for (const QString& path : paths) {
             TagLib::FileRef file(QFile::encodeName(path).constData(), false);
@@ -314,7 +304,7 @@ std::array<double, 3> Steps(const QString& folder, const QString& output)
     Empty(output);
     ProcessThread worker(nullptr);
     TagManager tags;
-    for (const QString& path : FilesIn(folder))
+    for (const QString& path : FilesBelow(folder))
         worker.files += tags.ReadFile(path);
     worker.settings = {1, 0, {}, false, false, true, output, true};
     const int count = worker.files.size();
@@ -345,7 +335,7 @@ double RunProgram(const QString& program, const QStringList& arguments, const QS
         process.start(program, arguments);
         process.waitForFinished(-1);
     });
-    if (FilesIn(output).size() != count)
+    if (FilesBelow(output).size() != count)
         qFatal("%s has not copied every file", qPrintable(program));
     return seconds;
 }

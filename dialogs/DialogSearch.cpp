@@ -1,10 +1,9 @@
 #include "dialogs/DialogSearch.h"
 
+#include "dialogs/AskForFolder.h"
 #include "platform/UserSettings.h"
 #include "tags/FilePath.h"
 #include "ui_DialogSearch.h"
-
-#include <QFileDialog>
 
 DialogSearch::DialogSearch(QWidget* parent) : QDialog(parent), ui(std::make_unique<Ui_DialogSearch>())
 {
@@ -43,8 +42,7 @@ void DialogSearch::on_editSearchPath_textEdited(const QString& text)
 
 void DialogSearch::on_buttonBrowse_clicked()
 {
-    const QString folder =
-        QFileDialog::getExistingDirectory(this, tr("Select folder"), StoredFolder(SettingsKey::searchFolder));
+    const QString folder = AskForFolder(this, SettingsKey::searchFolder);
     if (folder.isEmpty())
         return;
     ui->editSearchPath->setText(folder);

@@ -130,11 +130,9 @@ private slots:
         AwaitIdle(window);
         dialogs.Finish();
 
-        QStringList tree;
-        QDirIterator entries(folder.filePath("sorted"), QDir::Files, QDirIterator::Subdirectories);
-        while (entries.hasNext())
-            tree += folder.relativeFilePath(entries.next());
-        tree.sort();
+        QStringList tree = FilesBelow(folder.filePath("sorted"));
+        for (QString& path : tree)
+            path = folder.relativeFilePath(path);
         QTextStream(stdout) << "\nThe tree that was made:\n  " << tree.join("\n  ") << "\n\nThe screenshots are in "
                             << folder.filePath("screenshots") << "\n\n";
         QCOMPARE(tree.size(), 12);

@@ -6,7 +6,6 @@
 #include "tags/FilePath.h"
 
 #include <QApplication>
-#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QListWidget>
@@ -91,18 +90,6 @@ QByteArray State(const QString& path)
     const QFileInfo file(path);
     return Bytes(path) + QByteArray::number(file.lastModified().toMSecsSinceEpoch()) +
            QByteArray::number(static_cast<int>(file.permissions()));
-}
-
-QStringList FilesBelow(const QString& folder)
-{
-    QStringList paths;
-    QDirIterator entries(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (entries.hasNext()) {
-        entries.next();
-        if (entries.fileInfo().isFile()) // reading a pipe or a device would not end
-            paths += entries.filePath();
-    }
-    return paths;
 }
 } // namespace
 

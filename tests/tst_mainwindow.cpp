@@ -120,11 +120,9 @@ private:
     /// Every file below @p folder of the home folder, relative to it and sorted.
     static QString Tree(const QString& folder)
     {
-        QStringList paths;
-        QDirIterator entries(Home(folder), QDir::Files, QDirIterator::Subdirectories);
-        while (entries.hasNext())
-            paths += entries.next().remove(Home(folder) + '/');
-        paths.sort();
+        QStringList paths = FilesBelow(Home(folder));
+        for (QString& path : paths)
+            path.remove(Home(folder) + '/');
         return paths.join('|');
     }
 

@@ -1,7 +1,6 @@
 #include "processing/ProcessThread.h"
 #include "support/AudioSamples.h"
 
-#include <QDirIterator>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -37,11 +36,9 @@ private:
     /// Every file in the folder, sorted.
     QStringList Tree() const
     {
-        QStringList paths;
-        QDirIterator entries(folder->path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-        while (entries.hasNext())
-            paths += QDir(folder->path()).relativeFilePath(entries.next());
-        paths.sort();
+        QStringList paths = FilesBelow(folder->path());
+        for (QString& path : paths)
+            path = QDir(folder->path()).relativeFilePath(path);
         return paths;
     }
 

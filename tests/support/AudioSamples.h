@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QString>
@@ -19,4 +20,18 @@ inline QByteArray Bytes(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
+}
+
+/// Every file below @p folder, hidden ones among them, sorted.
+inline QStringList FilesBelow(const QString& folder)
+{
+    QStringList paths;
+    QDirIterator entries(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (entries.hasNext()) {
+        entries.next();
+        if (entries.fileInfo().isFile()) // reading a pipe or a device would not end
+            paths += entries.filePath();
+    }
+    paths.sort();
+    return paths;
 }
