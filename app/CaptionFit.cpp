@@ -53,7 +53,10 @@ void FitCaptions(const QWidget& window)
     constexpr int smallest = 8; // pixels
     for (const QList<QWidget*>& neighbours : FixedCaptions(window)) {
         // In whole pixels: some systems round points, so that a step of less never ends.
-        for (int size = QFontInfo(neighbours.first()->font()).pixelSize(); size > smallest; --size) {
+        int size = 0;
+        for (const QWidget* caption : neighbours)
+            size = qMax(size, QFontInfo(caption->font()).pixelSize());
+        for (; size > smallest; --size) {
             const bool fit = std::all_of(neighbours.begin(), neighbours.end(), [&window](const QWidget* caption) {
                 return !caption->isVisibleTo(&window) || Fits(caption);
             });
@@ -61,6 +64,8 @@ void FitCaptions(const QWidget& window)
                 break;
             for (QWidget* const caption : neighbours) {
                 QFont font = caption->font();
+                if (QFontInfo(font).pixelSize() < size)
+                    continue;
                 font.setPixelSize(size - 1);
                 caption->setFont(font);
             }

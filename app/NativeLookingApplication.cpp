@@ -25,7 +25,7 @@ bool NativeLookingApplication::notify(QObject* receiver, QEvent* event)
     if (!receiver || !receiver->isWidgetType())
         return QApplication::notify(receiver, event);
     auto* const widget = static_cast<QWidget*>(receiver);
-    if (event->type() == QEvent::Show && widget->isWindow())
+    if (event->type() == QEvent::Show && !event->spontaneous() && widget->isWindow())
         FitCaptions(*widget);
     if (event->type() == QEvent::Polish) {
         constexpr Qt::WidgetAttribute sizes[] = {Qt::WA_MacMiniSize, Qt::WA_MacSmallSize, Qt::WA_MacNormalSize,

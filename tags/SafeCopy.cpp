@@ -23,14 +23,20 @@ bool Flush(int file)
 #endif
 }
 
-/// The time of the last change of any kind: when a file was modified, some programs set back.
-timespec ChangeTime(const struct stat& status)
+bool operator==(const timespec& left, const timespec& right)
+{
+    return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
+}
+
+/// Some programs set the time of modification back, some file systems keep no time of change.
+bool IsUnchanged(const struct stat& before, const struct stat& now)
 {
 #ifdef Q_OS_MACOS
-    return status.st_ctimespec;
+    const bool sameTimes = before.st_mtimespec == now.st_mtimespec && before.st_ctimespec == now.st_ctimespec;
 #else
-    return status.st_ctim;
+    const bool sameTimes = before.st_mtim == now.st_mtim && before.st_ctim == now.st_ctim;
 #endif
+    return sameTimes && before.st_size == now.st_size && before.st_ino == now.st_ino;
 }
 } // namespace
 
@@ -59,15 +65,13 @@ bool SafeCopy::Make(int textSize)
                                       error);
 }
 
-void SafeCopy::Replace(qint64 expectedSize)
+bool SafeCopy::Replace(qint64 expectedSize)
 {
     struct stat now = {};
-    if (stat(original.c_str(), &now) != 0)
-        return;
-    const timespec then = ChangeTime(before), changed = ChangeTime(now);
-    const bool isUnchanged = then.tv_sec == changed.tv_sec && then.tv_nsec == changed.tv_nsec;
+    if (stat(original.c_str(), &now) != 0 || !IsUnchanged(before, now))
+        return false;
     [[maybe_unused]] const bool sameOwner = fchown(copy.handle(), now.st_uid, now.st_gid) == 0;
-    if (isUnchanged && copy.size() == expectedSize && Flush(copy.handle()) &&
-        std::rename(Name().constData(), original.c_str()) == 0)
+    if (copy.size() == expectedSize && Flush(copy.handle()) && std::rename(Name().constData(), original.c_str()) == 0)
         copy.setAutoRemove(false);
+    return true;
 }

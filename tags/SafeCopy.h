@@ -24,8 +24,8 @@ public:
     QByteArray Name() const;
 
     /// Puts the copy in the file's place, with the same owner where we may give files away, unless it is not
-    /// @p expectedSize bytes long or somebody else has written the file meanwhile.
-    void Replace(qint64 expectedSize);
+    /// @p expectedSize bytes long. @return false when somebody else has changed the file meanwhile: read it again then.
+    bool Replace(qint64 expectedSize);
 
 private:
     const std::filesystem::path original;

@@ -199,6 +199,16 @@ bool TagManager::SetInfo(int index, const QString& text) const
 /// @return false when the file cannot be opened or has no tags.
 bool TagManager::Write(const std::vector<std::pair<int, QString>>& values) const
 {
+    constexpr int attempts = 3;
+    std::optional<bool> result;
+    for (int attempt = 0; attempt < attempts && !result; ++attempt)
+        result = TryToWrite(values);
+    return result.value_or(true);
+}
+
+/// @return nothing when somebody else has changed the file meanwhile.
+std::optional<bool> TagManager::TryToWrite(const std::vector<std::pair<int, QString>>& values) const
+{
     const QByteArray name = StoredName(path);
     if (name.isEmpty())
         return false;
@@ -223,8 +233,7 @@ bool TagManager::Write(const std::vector<std::pair<int, QString>>& values) const
         if (!file.save())
             return true;
     }
-    copy.Replace(stream.Close());
-    return true;
+    return copy.Replace(stream.Close()) ? std::optional(true) : std::nullopt;
 }
 
 SAudioFile TagManager::ReadFile(const QString& filePath)

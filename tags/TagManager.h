@@ -2,6 +2,7 @@
 
 #include "tags/SAudioFile.h"
 
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -39,4 +40,5 @@ public:
 
 private:
     bool Write(const std::vector<std::pair<int, QString>>& values) const;
+    std::optional<bool> TryToWrite(const std::vector<std::pair<int, QString>>& values) const;
 };

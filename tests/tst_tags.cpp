@@ -184,7 +184,7 @@ private slots:
                 QVERIFY(file.open(QIODevice::ReadWrite) && file.putChar('X') &&
                         file.setFileTime(modified, QFileDevice::FileModificationTime));
             }
-            copy.Replace(whole ? 100 : 101);
+            QCOMPARE(copy.Replace(whole ? 100 : 101), !written);
         }
         const QByteArray expected = written ? 'X' + before.mid(1) : whole ? before.left(100) : before;
         QCOMPARE(Bytes(path), expected);

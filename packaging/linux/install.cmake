@@ -27,5 +27,5 @@ install(FILES resources/Logo-transparent.svg DESTINATION ${ICON_FOLDER}/scalable
 install(FILES resources/Profile.svg DESTINATION ${ICON_FOLDER}/scalable/mimetypes RENAME ${PROFILE_ICON}.svg)
 
 # The folder docs stays one there, so that what its pages and README name is found.
-install(FILES README.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES README.md CONTRIBUTING.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
