@@ -13,9 +13,8 @@
 
 /// The worker: one run over its own copy of the file list. It repairs and writes tags, copies every file into the
 /// output tree and may delete the originals. Fill `files` and `settings`, start it, and read the results once it has
-/// finished; while it runs, nothing but the hand-off below may be written, and only
-/// `settings` read. requestInterruption() stops it between two files
-/// or while it waits for the tag editor; it deletes nothing after that.
+/// finished; while it runs, nothing but the hand-off below may be written, and only `settings` read.
+/// requestInterruption() stops it between two files or while it waits for the tag editor; then it deletes nothing.
 class ProcessThread : public QThread
 {
     Q_OBJECT

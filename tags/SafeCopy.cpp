@@ -28,7 +28,8 @@ bool operator==(const timespec& left, const timespec& right)
     return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
 }
 
-/// Some programs set the time of modification back, some file systems keep no time of change.
+/// Some programs set the time of modification back, some file systems keep no time of change. Inode numbers say
+/// nothing here: there are file systems that make them up and forget them.
 bool IsUnchanged(const struct stat& before, const struct stat& now)
 {
 #ifdef Q_OS_MACOS
@@ -36,7 +37,7 @@ bool IsUnchanged(const struct stat& before, const struct stat& now)
 #else
     const bool sameTimes = before.st_mtim == now.st_mtim && before.st_ctim == now.st_ctim;
 #endif
-    return sameTimes && before.st_size == now.st_size && before.st_ino == now.st_ino;
+    return sameTimes && before.st_size == now.st_size;
 }
 } // namespace
 
