@@ -1,9 +1,9 @@
 #include "app/MainWindow.h"
 
 #include "app/MessageBoxes.h"
+#include "files/FilePath.h"
 #include "naming/OutputPath.h"
 #include "platform/UserSettings.h"
-#include "tags/FilePath.h"
 #include "ui_MainWindow.h"
 
 #include <QApplication>

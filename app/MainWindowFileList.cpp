@@ -4,8 +4,8 @@
 #include "app/Percentage.h"
 #include "dialogs/AskForFolder.h"
 #include "dialogs/DialogSearch.h"
+#include "files/FilePath.h"
 #include "platform/UserSettings.h"
-#include "tags/FilePath.h"
 #include "ui_MainWindow.h"
 
 #include <QCoreApplication>

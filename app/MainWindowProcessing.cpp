@@ -4,8 +4,8 @@
 #include "app/Percentage.h"
 #include "app/RunLog.h"
 #include "dialogs/DialogSocial.h"
+#include "files/FilePath.h"
 #include "platform/UserSettings.h"
-#include "tags/FilePath.h"
 #include "tags/TagTextRules.h"
 #include "ui_MainWindow.h"
 

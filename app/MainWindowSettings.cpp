@@ -2,9 +2,9 @@
 
 #include "dialogs/AskForFolder.h"
 #include "dialogs/DialogRename.h"
+#include "files/FilePath.h"
 #include "naming/OutputPath.h"
 #include "platform/UserSettings.h"
-#include "tags/FilePath.h"
 #include "ui_MainWindow.h"
 
 void MainWindow::SignalSettingsChanged()

@@ -1,6 +1,6 @@
 #include "app/ProfileFile.h"
 
-#include "tags/FilePath.h"
+#include "files/FilePath.h"
 
 namespace
 {

@@ -1,8 +1,8 @@
 #include "dialogs/DialogEditTags.h"
 
+#include "files/FilePath.h"
 #include "platform/Desktop.h"
 #include "platform/WebPages.h"
-#include "tags/FilePath.h"
 #include "tags/TagTextRules.h"
 #include "ui_DialogEditTags.h"
 

@@ -1,8 +1,8 @@
 #include "dialogs/DialogSearch.h"
 
 #include "dialogs/AskForFolder.h"
+#include "files/FilePath.h"
 #include "platform/UserSettings.h"
-#include "tags/FilePath.h"
 #include "ui_DialogSearch.h"
 
 DialogSearch::DialogSearch(QWidget* parent) : QDialog(parent), ui(std::make_unique<Ui_DialogSearch>())

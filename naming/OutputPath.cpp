@@ -1,6 +1,6 @@
 #include "naming/OutputPath.h"
 
-#include "tags/FilePath.h"
+#include "files/FilePath.h"
 #include "tags/TagTextRules.h"
 
 bool IsOrganizeChoice(int organizeBy)

@@ -1,8 +1,8 @@
 #include "processing/ProcessThread.h"
 
+#include "files/FilePath.h"
 #include "naming/OutputPath.h"
 #include "processing/FileStatus.h"
-#include "tags/FilePath.h"
 #include "tags/TagTextRules.h"
 
 #include <QDir>

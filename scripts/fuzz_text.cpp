@@ -1,6 +1,6 @@
 #include "app/ProfileFile.h"
+#include "files/FilePath.h"
 #include "naming/OutputPath.h"
-#include "tags/FilePath.h"
 #include "tags/TagTextRules.h"
 
 #include <QBuffer>

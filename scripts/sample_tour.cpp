@@ -1,8 +1,8 @@
 #include "app/MainWindow.h"
+#include "files/FilePath.h"
 #include "support/AudioSamples.h"
 #include "support/Driver.h"
 #include "support/Sandbox.h"
-#include "tags/FilePath.h"
 
 #include <QListWidget>
 #include <QMenu>

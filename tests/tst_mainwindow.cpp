@@ -1,10 +1,10 @@
 #include "app/MainWindow.h"
 #include "app/ProfileFile.h"
+#include "files/FilePath.h"
 #include "platform/UserSettings.h"
 #include "support/AudioSamples.h"
 #include "support/Driver.h"
 #include "support/Sandbox.h"
-#include "tags/FilePath.h"
 #ifdef Q_OS_LINUX
 #include "support/Openings.h"
 #endif

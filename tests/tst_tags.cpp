@@ -1,5 +1,5 @@
+#include "files/FilePath.h"
 #include "support/AudioSamples.h"
-#include "tags/FilePath.h"
 #include "tags/SafeCopy.h"
 #include "tags/TagManager.h"
 #include "tags/TagTextRules.h"

@@ -1,4 +1,4 @@
-#include "tags/FilePath.h"
+#include "files/FilePath.h"
 
 const QStringList& AudioExtensions()
 {
