@@ -1,8 +1,8 @@
 #include "processing/ProcessThread.h"
 
+#include "files/CopyFile.h"
 #include "files/FilePath.h"
 #include "naming/OutputPath.h"
-#include "processing/FileStatus.h"
 #include "tags/TagTextRules.h"
 
 #include <QDir>
@@ -36,6 +36,22 @@ void TakeNamingPlaceholdersBack(SAudioFile& file)
     }
 }
 
+/// Whether a folder named by these tags is, or lies behind, a link that leads out of @p outputFolder, or nowhere yet.
+bool LeadsOut(const QString& outputFolder, const QStringList& folderTags)
+{
+    const auto canonical = [](const QString& path) {
+        const QString folder = QDir(path).canonicalPath();
+        return folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
+    };
+    const QString root = canonical(outputFolder + QLatin1Char('/'));
+    for (int levels = 1; levels <= folderTags.size(); ++levels) {
+        const QString folder = BuildFolderPath(outputFolder, folderTags.mid(0, levels));
+        const QFileInfo info(folder);
+        if ((info.exists() || info.isSymLink()) && !canonical(folder).startsWith(root))
+            return true;
+    }
+    return false;
+}
 } // namespace
 
 ProcessThread::ProcessThread(QObject* parent) : QThread(parent)
@@ -57,7 +73,7 @@ void ProcessThread::Init()
     outputPaths.clear();
     failedPaths.clear();
     foldersLeadingOut.clear();
-    ownDestinations.clear();
+    originals.clear();
 }
 
 QString ProcessThread::GenerateFilename(int index) const
@@ -99,8 +115,7 @@ void ProcessThread::Process()
         return; // nothing is copied, so there are no originals to delete
     CreateFolders();
     CopyFiles();
-    // Without a rename choice all files were meant for one nameless destination; that is no reason to delete any.
-    if (settings.deleteOriginal && IsRenameChoice(settings.renameIndex))
+    if (settings.deleteOriginal)
         DeleteOriginals();
 }
 
@@ -126,12 +141,7 @@ bool ProcessThread::FixFromFileName(SAudioFile& file)
     const QString baseName = BaseNameOf(file.Path);
     const int dash = baseName.indexOf(QLatin1Char('-'));
     const bool hasArtistAndTitle = dash > 0 && dash < baseName.size() - 1;
-    const auto fill = [this, &file](const STag& tag, const QString& text) {
-        tagManager.SetInfo(tag.index, text);
-        file.*tag.field = text;
-    };
-
-    tagManager.path = file.Path;
+    TagValues found;
     bool incomplete = false;
     for (const STag& tag : allTags) {
         if (!IsMissing(file, tag))
@@ -140,15 +150,20 @@ bool ProcessThread::FixFromFileName(SAudioFile& file)
             QString candidate = tag.index == Tag::Artist ? baseName.left(dash) : baseName.mid(dash + 1);
             RemoveTrailingSpaces(candidate);
             if (!candidate.isEmpty() && candidate != unknownTag)
-                fill(tag, candidate);
+                found.emplace_back(tag.index, candidate);
             else
                 incomplete = true;
         } else if (tag.index == Tag::Title) {
-            fill(tag, baseName); // whatever it is, it counts as a title
+            found.emplace_back(tag.index, baseName); // whatever it is, it counts as a title
         } else {
             incomplete = true;
         }
     }
+    tagManager.path = file.Path;
+    if (!found.empty())
+        tagManager.SetTags(found);
+    for (const auto& [index, text] : found)
+        file.*allTags[static_cast<std::size_t>(index - 1)].field = text;
     return incomplete;
 }
 
@@ -205,6 +220,7 @@ void ProcessThread::CreateFolders()
 
 void ProcessThread::CopyFiles()
 {
+    originals.resize(static_cast<std::size_t>(files.size()));
     for (int i = 0; i < files.size() && !isInterruptionRequested(); ++i) {
         const QString name = GenerateFilename(i);
         // A blunt test on purpose: it refuses a real title with this word in it, too.
@@ -213,7 +229,7 @@ void ProcessThread::CopyFiles()
             RecordFailure(files.at(i).Path);
             TakeNamingPlaceholdersBack(files[i]);
         } else {
-            CopyFile(i, name);
+            CopyToTree(i, name);
         }
         // Without folders, progress passes refused files over; with folders it counts them. Both are kept.
         if (!refused || settings.organizeBy != 0)
@@ -221,27 +237,33 @@ void ProcessThread::CopyFiles()
     }
 }
 
-void ProcessThread::CopyFile(int index, const QString& name)
+void ProcessThread::CopyToTree(int index, const QString& name)
 {
     const SAudioFile& file = files.at(index);
     const QStringList folderTags = FolderTags(file, settings.organizeBy);
     const QString destination = BuildFolderPath(settings.outputFolder, folderTags) + QLatin1Char('/') + name +
                                 QLatin1Char('.') + ExtensionOf(file.Path);
     outputPaths += destination;
-    const auto source = StatusOf(file.Path);
-    // A pipe or a device in the source's place would be waited for, or count as copied.
-    if (!source || !S_ISREG(source->st_mode) || foldersLeadingOut.contains(folderTags)) {
+    SOriginal original;
+    const auto source = FactsOf(file.Path);
+    // A pipe or a device in the source's place must not count as copied.
+    if (!source || !source->IsRegular() || foldersLeadingOut.contains(folderTags)) {
         RecordFailure(file.Path);
     } else if (QFileInfo(destination).isFile()) {
         // It is kept, and that is no failure. The two are compared at once: there are file systems that make inode
         // numbers up and forget them.
-        if (IdentityOf(destination) == IdentityOf(*source))
-            ownDestinations.insert(file.Path);
-    } else if (QFile::copy(file.Path, destination)) {
-        CopyAttributes(*source, destination);
+        if (!IsSameFile(destination, file.Path))
+            original.fate = SOriginal::Fate::Goes;
     } else {
-        RecordFailure(file.Path);
+        const SCopy copy = CopyFile(file.Path, destination, [this] { return !isInterruptionRequested(); });
+        if (copy.result == CopyResult::Copied)
+            original = {SOriginal::Fate::GoesIfCopied, destination, copy.source};
+        else if (copy.result == CopyResult::Failed)
+            RecordFailure(file.Path);
     }
+    // Files without a name were all meant for one destination; that is no reason to delete any.
+    if (!name.isEmpty())
+        originals[static_cast<std::size_t>(index)] = original;
 }
 
 void ProcessThread::RecordFailure(const QString& sourcePath)
@@ -250,24 +272,45 @@ void ProcessThread::RecordFailure(const QString& sourcePath)
     failedPaths += sourcePath;
 }
 
+/// Whether a source of which these are the facts is still what was copied, and its copy is there.
+bool ProcessThread::IsProvenCopy(const SOriginal& original, const SFileFacts& now)
+{
+    const auto copy = FactsOf(original.copy);
+    return IsUnchanged(*original.copied, now) && copy && copy->IsRegular() && copy->size == now.size;
+}
+
 /// Removes every source that was copied, or whose destination was another file all along. A source that is its own
-/// destination stays, however its path is spelled.
+/// destination stays, however its path is spelled, and so does one that has changed since it was copied.
 void ProcessThread::DeleteOriginals()
 {
-    const QStringList kept = outputPaths + failedPaths + ownDestinations.values();
-    const QSet<QString> keptPaths(kept.begin(), kept.end());
-    QSet<FileIdentity> keptFiles;
-    for (const QString& path : kept) {
-        if (const auto identity = IdentityOf(path))
-            keptFiles.insert(*identity);
+    const QList<QString> paths = outputPaths + failedPaths;
+    const QSet<QString> keptPaths(paths.begin(), paths.end());
+    QSet<std::pair<quint64, quint64>> keptFiles;
+    for (const QString& path : paths) {
+        if (const auto facts = FactsOf(path))
+            keptFiles.insert(facts->Identity());
     }
+    QHash<QString, bool> flushed; // by folder of copies
 
-    for (const SAudioFile& file : qAsConst(files)) {
+    for (int i = 0; i < files.size(); ++i) {
         if (isInterruptionRequested())
             return;
-        const auto identity = IdentityOf(file.Path);
-        if (identity && !keptFiles.contains(*identity) && !keptPaths.contains(file.Path))
-            QFile::remove(file.Path);
+        const QString& path = files.at(i).Path;
+        const SOriginal& original = originals.at(static_cast<std::size_t>(i));
+        const auto now = FactsOf(path);
+        if (original.fate == SOriginal::Fate::Stays || keptPaths.contains(path) || !now ||
+            keptFiles.contains(now->Identity()))
+            continue;
+        if (original.fate == SOriginal::Fate::GoesIfCopied) {
+            const QString folder = FolderOf(original.copy);
+            if (!flushed.contains(folder))
+                flushed.insert(folder, FlushFolder(folder));
+            if (!flushed.value(folder) || !IsProvenCopy(original, *now)) {
+                RecordFailure(path);
+                continue;
+            }
+        }
+        QFile::remove(path);
     }
     files.clear();
 }

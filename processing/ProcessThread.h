@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/FileFacts.h"
 #include "naming/SRunSettings.h"
 #include "tags/SAudioFile.h"
 #include "tags/TagManager.h"
@@ -10,11 +11,12 @@
 #include <QThread>
 
 #include <atomic>
+#include <vector>
 
 /// The worker: one run over its own copy of the file list. It repairs and writes tags, copies every file into the
 /// output tree and may delete the originals. Fill `files` and `settings`, start it, and read the results once it has
 /// finished; while it runs, nothing but the hand-off below may be written, and only `settings` read.
-/// requestInterruption() stops it between two files or while it waits for the tag editor; then it deletes nothing.
+/// requestInterruption() stops it at once, also within a file that it copies; then it deletes nothing more.
 class ProcessThread : public QThread
 {
     Q_OBJECT
@@ -66,12 +68,22 @@ private:
     bool AskUser(SAudioFile& file);
     void CreateFolders();
     void CopyFiles();
-    void CopyFile(int index, const QString& name);
+    void CopyToTree(int index, const QString& name);
     void RecordFailure(const QString& sourcePath);
     void DeleteOriginals();
 
+    /// Why the source of one row may be deleted, if it may.
+    struct SOriginal
+    {
+        enum class Fate { Stays, Goes, GoesIfCopied };
+        Fate fate = Fate::Stays;
+        QString copy = {};                               ///< with GoesIfCopied: where that is
+        std::optional<SFileFacts> copied = std::nullopt; ///< and what the source was then
+    };
+    static bool IsProvenCopy(const SOriginal& original, const SFileFacts& now);
+
+    std::vector<SOriginal> originals;    ///< by row
     QSet<QStringList> foldersLeadingOut; ///< tags whose folder is not ours to write into
-    QSet<QString> ownDestinations;       ///< sources that turned out to be their own destination
 };
 
 /// What `failureText` holds as long as nothing has failed.

@@ -1,6 +1,5 @@
 #include "files/FilePath.h"
 #include "support/AudioSamples.h"
-#include "tags/SafeCopy.h"
 #include "tags/TagManager.h"
 #include "tags/TagTextRules.h"
 
@@ -156,39 +155,6 @@ private slots:
             QVERIFY(!tags.SetInfo(Tag::Title, "x"));
         }
         QCOMPARE(Bytes(text.fileName()), QByteArray("no music"));
-    }
-
-    void aCopyGivesWayToWhatSomebodyElseHasWritten_data()
-    {
-        QTest::addColumn<bool>("written");
-        QTest::addColumn<bool>("whole");
-        QTest::newRow("untouched") << false << true;
-        QTest::newRow("written meanwhile, its time set back") << true << true;
-        QTest::newRow("cut short") << false << false;
-    }
-    void aCopyGivesWayToWhatSomebodyElseHasWritten()
-    {
-        QFETCH(bool, written);
-        QFETCH(bool, whole);
-        const QTemporaryDir folder;
-        const QString path = PutSample("full.mp3", folder.filePath("a.mp3"));
-        const QByteArray before = Bytes(path);
-        {
-            SafeCopy copy(path);
-            QVERIFY(copy.Make(0));
-            QFile(copy.Name()).resize(100);
-            QTest::qWait(20); // more than the file system's clock rounds
-            if (written) {
-                QFile file(path);
-                const QDateTime modified = QFileInfo(path).lastModified();
-                QVERIFY(file.open(QIODevice::ReadWrite) && file.putChar('X') &&
-                        file.setFileTime(modified, QFileDevice::FileModificationTime));
-            }
-            QCOMPARE(copy.Replace(whole ? 100 : 101), !written);
-        }
-        const QByteArray expected = written ? 'X' + before.mid(1) : whole ? before.left(100) : before;
-        QCOMPARE(Bytes(path), expected);
-        QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList("a.mp3"));
     }
 };
 

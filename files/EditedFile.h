@@ -1,0 +1,70 @@
+#pragma once
+
+#include "files/FileHandle.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <vector>
+
+/// A file that is edited in memory, as a list of pieces: ranges of the file on disk, and new bytes. Nothing is written
+/// before Save().
+class EditedFile
+{
+public:
+    enum class Saved {
+        Whole,
+        NotAtAll, ///< the disk or the rights did not allow it; the file is as it was
+        GivenWay, ///< somebody else has changed the file since it was opened: open it again
+    };
+
+    /// Opens the file at @p path for reading.
+    explicit EditedFile(const QString& path);
+
+    /// False for what is no regular file or may not be read.
+    bool IsOpen() const { return facts && facts->IsRegular(); }
+    qint64 Size() const { return size; }
+    /// At most @p count bytes from @p position on, fewer at the end.
+    QByteArray Read(qint64 position, qint64 count);
+    /// Puts @p bytes in the place of @p count bytes, fewer at the end, from @p position on. An edit that begins after
+    /// the end can only be a mistake: nothing will be saved.
+    void Replace(qint64 position, qint64 count, const QByteArray& bytes);
+    /// Cuts the file off. Making it longer is a mistake, too.
+    void Truncate(qint64 newSize);
+
+    /// Writes the edits. Where every range of the file keeps its place, only the bytes that differ are written, into
+    /// the file itself, and put back when that fails. Otherwise a new file, whole and with the owner, permissions and
+    /// attributes of the old one, takes its place.
+    Saved Save();
+
+private:
+    struct SPiece
+    {
+        qint64 start; ///< in the file on disk; -1 for new bytes
+        qint64 size;
+        QByteArray bytes;
+        bool IsNew() const { return start < 0; }
+    };
+    struct SPatch
+    {
+        qint64 position;
+        QByteArray before, after;
+    };
+
+    bool ReadOriginal(qint64 position, char* bytes, qint64 count);
+    std::size_t SplitAt(qint64 position);
+    bool KeepsPlaces() const;
+    std::vector<SPatch> Patches();
+    Saved Patch(FileHandle& target);
+    Saved Rewrite();
+    bool IsUntouched() const;
+
+    const QString path;
+    const FileHandle original;
+    const std::optional<SFileFacts> facts; ///< when it was opened
+    std::vector<SPiece> pieces;
+    qint64 size = 0;
+    bool sound = true; ///< every read and every edit made sense so far
+    QByteArray window; ///< a part of the file on disk that was read last
+    qint64 windowStart = 0;
+};

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QString>
+
+#include <sys/stat.h>
+
+#include <ctime>
+#include <optional>
+#include <utility>
+
+/// What the file system says of a file at one moment, links followed. Systems name these fields differently; nothing
+/// else in the program asks them.
+struct SFileFacts
+{
+    explicit SFileFacts(const struct stat& status);
+
+    quint64 device;
+    quint64 inode;
+    qint64 size; ///< bytes
+    mode_t mode;
+    uid_t owner;
+    gid_t group;
+    timespec modified; ///< the last change of its content
+    timespec changed;  ///< the last change of any kind; no program sets it back
+
+    bool IsRegular() const { return S_ISREG(mode); }
+    /// The same for every path to one file, but some file systems make it up for each path.
+    std::pair<quint64, quint64> Identity() const { return {device, inode}; }
+};
+
+/// Nothing when there is no file.
+std::optional<SFileFacts> FactsOf(const QString& path);
+
+/// Whether nobody has written a file between two moments. Some programs set the time of modification back, some file
+/// systems keep no time of change. Inode numbers say nothing here: there are file systems that make them up and forget
+/// them.
+bool IsUnchanged(const SFileFacts& before, const SFileFacts& now);
+
+/// Whether two paths lead to one file: the file system says so, or they differ, links resolved, only in letter case or
+/// Unicode normal form. Some file systems ignore these and make up inode numbers for each path. So two files may be
+/// taken for one: ask where that does no harm.
+bool IsSameFile(const QString& one, const QString& other);

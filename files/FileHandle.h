@@ -1,0 +1,44 @@
+#pragma once
+
+#include "files/FileFacts.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <fcntl.h>
+
+/// An open file; it is closed with this object. A call that a signal interrupts is made again, and each says whether
+/// all of it was done.
+class FileHandle
+{
+public:
+    FileHandle() = default;
+    /// Opens the file at @p path, links followed, with flags of open(2). It never waits for the other end of a pipe. A
+    /// file that is made gets @p mode less the user's mask.
+    FileHandle(const QString& path, int flags, mode_t mode = 0666);
+    FileHandle(FileHandle&& other) noexcept;
+    FileHandle& operator=(FileHandle&& other) noexcept;
+    ~FileHandle();
+
+    bool IsOpen() const { return descriptor >= 0; }
+    int Descriptor() const { return descriptor; }
+    /// Nothing when it is not open.
+    std::optional<SFileFacts> Facts() const;
+
+    /// Reads @p size bytes from @p position on. @return how many there were; -1 when the disk does not give them.
+    qint64 Read(qint64 position, char* bytes, qint64 size) const;
+    bool Write(qint64 position, const QByteArray& bytes);
+    /// Writes at the end that the file has at that moment; for files opened with O_APPEND.
+    bool Append(const QByteArray& bytes);
+    bool Resize(qint64 size);
+    /// Waits until the file is on the disk. A disk that knows no such thing is no failure.
+    bool Flush();
+    /// @return false when what was written may be lost.
+    bool Close();
+
+private:
+    int descriptor = -1;
+};
+
+/// Whether errno says that a file system does not know the last call, rather than that it could not do it.
+bool IsUnknownCall();

@@ -1,0 +1,226 @@
+#include "files/NewFile.h"
+
+#include "files/FilePath.h"
+
+#include <QFile>
+#include <QRandomGenerator>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <vector>
+
+#ifdef Q_OS_MACOS
+#include <copyfile.h>
+#include <sys/clonefile.h>
+#else
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <sys/sendfile.h>
+#include <sys/xattr.h>
+#endif
+
+namespace
+{
+constexpr qint64 step = 1 << 20; // bytes; a slow stick takes a tenth of a second for them
+
+/// A name for a new hidden file in the folder of @p path.
+QString HiddenName(const QString& path)
+{
+    const QString characters = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789");
+    QString name = FolderOf(path) + QStringLiteral("/.orvanto-");
+    for (int i = 0; i < 6; ++i)
+        name += characters.at(QRandomGenerator::global()->bounded(characters.size()));
+    return name;
+}
+
+#ifdef Q_OS_MACOS
+qint64 CopyInKernel(int, qint64, int, qint64, qint64)
+{
+    return -1; // its fcopyfile() reads and writes, too, and takes no range
+}
+#else
+/// Copies at most @p size bytes within the kernel. @return how many; 0 or -1 when another way has to be tried.
+qint64 CopyInKernel(int from, qint64 start, int to, qint64 end, qint64 size)
+{
+    off_t readAt = start, writeAt = end;
+    const ssize_t copied = copy_file_range(from, &readAt, to, &writeAt, static_cast<std::size_t>(size), 0);
+    if (copied > 0 || lseek(to, end, SEEK_SET) != end)
+        return copied;
+    return sendfile(to, from, &readAt, static_cast<std::size_t>(size));
+}
+#endif
+
+void CopyExtendedAttributes(int from, int to)
+{
+#ifdef Q_OS_MACOS
+    fcopyfile(from, to, nullptr, COPYFILE_ACL | COPYFILE_XATTR);
+#else
+    // The folder may have given it a list by itself.
+    fremovexattr(to, "system.posix_acl_access");
+    std::vector<char> names(static_cast<std::size_t>(qMax<ssize_t>(flistxattr(from, nullptr, 0), 0)));
+    const ssize_t length = flistxattr(from, names.data(), names.size());
+    for (const char* name = names.data(); length > 0 && name < names.data() + length; name += qstrlen(name) + 1) {
+        std::vector<char> value(static_cast<std::size_t>(qMax<ssize_t>(fgetxattr(from, name, nullptr, 0), 0)));
+        if (fgetxattr(from, name, value.data(), value.size()) == static_cast<ssize_t>(value.size()))
+            fsetxattr(to, name, value.data(), value.size(), 0);
+    }
+#endif
+}
+
+/// Renames a file unless there is something of the new name.
+bool RenameToFreeName(const char* from, const char* to)
+{
+#ifdef Q_OS_MACOS
+    if (renamex_np(from, to, RENAME_EXCL) == 0)
+        return true;
+#else
+    if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0)
+        return true;
+#endif
+    if (!IsUnknownCall())
+        return false;
+    if (link(from, to) == 0)
+        return unlink(from) == 0;
+    // A file system without hard links. This leaves a moment in which somebody else's file could be replaced.
+    struct stat status;
+    return errno != EEXIST && lstat(to, &status) != 0 && errno == ENOENT && std::rename(from, to) == 0;
+}
+} // namespace
+
+NewFile::NewFile(const QString& path, mode_t mode) : destination(QFile::encodeName(path))
+{
+    do {
+        const QString name = HiddenName(path);
+        hiddenName = QFile::encodeName(name);
+        handle = FileHandle(name, O_RDWR | O_CREAT | O_EXCL, mode);
+    } while (!handle.IsOpen() && errno == EEXIST);
+    if (!handle.IsOpen())
+        hiddenName.clear();
+}
+
+NewFile::~NewFile()
+{
+    if (!hiddenName.isEmpty())
+        unlink(hiddenName.constData());
+}
+
+bool NewFile::Clone(const FileHandle& source)
+{
+#ifdef Q_OS_MACOS
+    // A clone takes a name that nobody has.
+    return unlink(hiddenName.constData()) == 0 &&
+           fclonefileat(source.Descriptor(), AT_FDCWD, hiddenName.constData(), 0) == 0;
+#else
+    return ioctl(handle.Descriptor(), FICLONE, source.Descriptor()) == 0;
+#endif
+}
+
+NewFile::Transfer NewFile::CopyContent(const FileHandle& source, qint64 length, const std::function<bool()>& goOn)
+{
+    if (!Clone(source)) {
+#ifdef Q_OS_MACOS
+        handle = FileHandle(QFile::decodeName(hiddenName), O_RDWR | O_CREAT | O_EXCL, 0600);
+#endif
+        return CopyRange(source, 0, length, goOn);
+    }
+#ifdef Q_OS_MACOS
+    handle = FileHandle(QFile::decodeName(hiddenName), O_RDONLY); // it has its source's permissions
+#endif
+    size = length;
+    return Transfer::Done;
+}
+
+NewFile::Transfer NewFile::CopyRange(const FileHandle& source, qint64 from, qint64 length,
+                                     const std::function<bool()>& goOn)
+{
+    const qint64 end = from + length;
+    while (from < end) {
+        if (!goOn())
+            return Transfer::Stopped;
+        const qint64 wanted = qMin(step, end - from);
+        const qint64 copied = CopyInKernel(source.Descriptor(), from, handle.Descriptor(), size, wanted);
+        if (copied > 0) {
+            from += copied;
+            size += copied;
+            if (!StartWriting())
+                return Transfer::Failed;
+            continue;
+        }
+        // Some file systems lack these calls, some end a file early in them. Here an end that comes early is final.
+        QByteArray bytes(static_cast<int>(wanted), Qt::Uninitialized);
+        if (source.Read(from, bytes.data(), wanted) != wanted || !Append(bytes))
+            return Transfer::Failed;
+        from += wanted;
+    }
+    return Transfer::Done;
+}
+
+bool NewFile::Append(const QByteArray& bytes)
+{
+    if (!handle.Write(size, bytes))
+        return false;
+    size += bytes.size();
+    return StartWriting();
+}
+
+/// Keeps the disk busy and little of the file in memory: a flush of gigabytes at the end could not be interrupted.
+bool NewFile::StartWriting()
+{
+    constexpr qint64 stride = 8 << 20; // bytes
+    if (size - onItsWay < stride)
+        return true;
+#ifdef Q_OS_MACOS
+    const bool ok = handle.Flush();
+#else
+    constexpr unsigned int andWait = SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
+    const int file = handle.Descriptor();
+    const bool ok = (sync_file_range(file, onItsWay, size - onItsWay, SYNC_FILE_RANGE_WRITE) == 0 &&
+                     sync_file_range(file, written, onItsWay - written, andWait) == 0) ||
+                    IsUnknownCall();
+#endif
+    written = onItsWay;
+    onItsWay = size;
+    return ok;
+}
+
+bool NewFile::TakeOwner(const SFileFacts& facts)
+{
+    const auto own = handle.Facts();
+    if (own && own->owner == facts.owner && own->group == facts.group)
+        return true;
+    const auto nobody = static_cast<uid_t>(-1);
+    return fchown(handle.Descriptor(), facts.owner, facts.group) == 0 ||
+           fchown(handle.Descriptor(), nobody, facts.group) == 0;
+}
+
+void NewFile::TakeAttributes(const FileHandle& source, const SFileFacts& facts)
+{
+    CopyExtendedAttributes(source.Descriptor(), handle.Descriptor());
+    fchmod(handle.Descriptor(), facts.mode & 07777);
+}
+
+void NewFile::TakeTime(const SFileFacts& facts)
+{
+    const timespec times[] = {{0, UTIME_OMIT}, facts.modified}; // of the last access, which stays, and modification
+    futimens(handle.Descriptor(), times);
+}
+
+bool NewFile::Finish()
+{
+    const auto facts = handle.Facts();
+    const bool flushed = facts && facts->size == size && handle.Flush();
+    return handle.Close() && flushed;
+}
+
+bool NewFile::Appear(Existing existing)
+{
+    const bool appeared = existing == Existing::Replace
+                              ? std::rename(hiddenName.constData(), destination.constData()) == 0
+                              : RenameToFreeName(hiddenName.constData(), destination.constData());
+    if (appeared)
+        hiddenName.clear();
+    return appeared;
+}

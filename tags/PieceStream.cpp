@@ -1,0 +1,50 @@
+#include "tags/PieceStream.h"
+
+#include <limits>
+
+namespace
+{
+/// A damaged file may make TagLib name sizes and places that no file has.
+template <class Number>
+qint64 Bounded(Number number)
+{
+    constexpr auto most = static_cast<quint64>(std::numeric_limits<qint64>::max());
+    return static_cast<qint64>(qMin(static_cast<quint64>(number), most));
+}
+
+QByteArray ToBytes(const TagLib::ByteVector& data)
+{
+    return QByteArray(data.data(), static_cast<int>(data.size()));
+}
+} // namespace
+
+TagLib::ByteVector PieceStream::readBlock(Length length)
+{
+    const QByteArray bytes = file.Read(position, Bounded(length));
+    position += bytes.size();
+    return TagLib::ByteVector(bytes.constData(), static_cast<unsigned int>(bytes.size()));
+}
+
+void PieceStream::writeBlock(const TagLib::ByteVector& data)
+{
+    file.Replace(position, data.size(), ToBytes(data));
+    position += data.size();
+}
+
+void PieceStream::insert(const TagLib::ByteVector& data, Start start, Length replace)
+{
+    file.Replace(Bounded(start), Bounded(replace), ToBytes(data));
+    position = Bounded(start) + data.size();
+}
+
+void PieceStream::removeBlock(Start start, Length length)
+{
+    file.Replace(Bounded(start), Bounded(length), {});
+}
+
+void PieceStream::seek(Offset offset, Position from)
+{
+    const qint64 base = from == Beginning ? 0 : from == Current ? position : file.Size();
+    if (base + offset >= 0) // a file would not go there either
+        position = base + offset;
+}

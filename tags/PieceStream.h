@@ -1,0 +1,72 @@
+#pragma once
+
+#include "files/EditedFile.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <taglib.h>
+#include <tiostream.h>
+
+/// What TagLib reads an audio file through and edits it in: every edit stays in memory until Save().
+class PieceStream : public TagLib::IOStream
+{
+public:
+#if TAGLIB_MAJOR_VERSION >= 2
+    using Start = TagLib::offset_t;
+    using Length = size_t;
+    using Offset = TagLib::offset_t;
+#else
+    using Start = unsigned long; // of a block; other positions have a sign
+    using Length = unsigned long;
+    using Offset = long;
+#endif
+
+    explicit PieceStream(const QString& path) : file(path) {}
+
+    EditedFile::Saved Save()
+    {
+        return file.Save();
+    }
+
+    /// The name by which TagLib chooses a type. Without one, it asks the content.
+    void SetName(const QByteArray& newName)
+    {
+        typeName = newName;
+    }
+
+    TagLib::FileName name() const override
+    {
+        return typeName.constData();
+    }
+    TagLib::ByteVector readBlock(Length length) override;
+    void writeBlock(const TagLib::ByteVector& data) override;
+    void insert(const TagLib::ByteVector& data, Start start, Length replace) override;
+    void removeBlock(Start start, Length length) override;
+    bool readOnly() const override
+    {
+        return false;
+    }
+    bool isOpen() const override
+    {
+        return file.IsOpen();
+    }
+    void seek(Offset offset, Position from = Beginning) override;
+    Offset tell() const override
+    {
+        return static_cast<Offset>(position);
+    }
+    Offset length() override
+    {
+        return static_cast<Offset>(file.Size());
+    }
+    void truncate(Offset length) override
+    {
+        file.Truncate(length);
+    }
+
+private:
+    EditedFile file;
+    QByteArray typeName;
+    qint64 position = 0;
+};
