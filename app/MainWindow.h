@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/AudioFileList.h"
 #include "naming/SRunSettings.h"
 #include "processing/ProcessThread.h"
+#include "tags/AudioFileList.h"
 #include "tags/TagManager.h"
 
 #include <QDir>
