@@ -1,4 +1,4 @@
-#include "app/ProfileFile.h"
+#include "naming/ProfileText.h"
 
 #include "files/FilePath.h"
 
