@@ -2,61 +2,86 @@
 
 #include "files/FilePath.h"
 
+#include <variant>
+
 namespace
 {
 constexpr qint64 longestLine = 1 << 17; // bytes: more than a line edit can hold in UTF-8, with its key and line feed
 
-QString Value(const QByteArray& line)
+/// One line of a profile: its key, and the setting whose value it holds.
+struct SLine
 {
-    const QString text = QString::fromUtf8(line);
-    return text.mid(text.indexOf(QLatin1Char('=')) + 1);
+    const char* key;
+    std::variant<int SRunSettings::*, bool SRunSettings::*, QString SRunSettings::*> setting;
+};
+
+/// The lines in their order; both writing and reading follow it.
+constexpr SLine lines[] = {
+    {"organizeBy", &SRunSettings::organizeBy},
+    {"rename", &SRunSettings::renameIndex},
+    {"customRenameScheme", &SRunSettings::customRenameScheme},
+    {"skipOrganize", &SRunSettings::skipOrganize},
+    {"tagFixManual", &SRunSettings::fixManually},
+    {"onlyEditInvalidTags", &SRunSettings::onlyEditInvalid},
+    {"outputFolder", &SRunSettings::outputFolder},
+    {"deleteOriginal", &SRunSettings::deleteOriginal},
+};
+
+// How each kind of setting is written, and read into its place. A kind in the table that lacks either does not compile.
+QString Written(int value)
+{
+    return QString::number(value);
+}
+
+QString Written(bool value)
+{
+    return value ? QStringLiteral("1") : QStringLiteral("0");
+}
+
+QString Written(const QString& value)
+{
+    return value;
+}
+
+void Read(const QString& text, int& value)
+{
+    value = text.toInt();
+}
+
+void Read(const QString& text, bool& value)
+{
+    value = text.toInt() != 0;
+}
+
+void Read(const QString& text, QString& value)
+{
+    value = text;
+    value.remove(QLatin1Char('\n')); // nothing else: a carriage return belongs to the value
 }
 } // namespace
 
 QByteArray ProfileText(const SRunSettings& settings)
 {
-    const auto flag = [](bool value) { return value ? QStringLiteral("1") : QStringLiteral("0"); };
-    const struct
-    {
-        const char* key;
-        QString value;
-    } lines[] = {
-        {"organizeBy=", QString::number(settings.organizeBy)},
-        {"rename=", QString::number(settings.renameIndex)},
-        {"customRenameScheme=", settings.customRenameScheme},
-        {"skipOrganize=", flag(settings.skipOrganize)},
-        {"tagFixManual=", flag(settings.fixManually)},
-        {"onlyEditInvalidTags=", flag(settings.onlyEditInvalid)},
-        {"outputFolder=", settings.outputFolder},
-        {"deleteOriginal=", flag(settings.deleteOriginal)},
-    };
     QByteArray text;
-    for (const auto& line : lines)
-        text += line.key + line.value.toUtf8() + '\n';
+    for (const SLine& line : lines) {
+        const QString value =
+            std::visit([&settings](auto setting) { return Written(settings.*setting); }, line.setting);
+        text += QByteArray(line.key) + '=' + value.toUtf8() + '\n';
+    }
     return text;
 }
 
 SRunSettings ReadProfile(QIODevice& device)
 {
-    bool atEnd = false;
-    const auto text = [&device, &atEnd] {
-        const QByteArray line = atEnd ? QByteArray() : device.readLine(longestLine);
-        atEnd = atEnd || !line.endsWith('\n');
-        return Value(line);
-    };
-    const auto number = [&text] { return text().toInt(); };
-    const auto flag = [&number] { return number() != 0; };
-    const auto verbatim = [&text] { return text().remove(QLatin1Char('\n')); };
-
     SRunSettings settings;
-    settings.organizeBy = number();
-    settings.renameIndex = number();
-    settings.customRenameScheme = verbatim();
-    settings.skipOrganize = flag();
-    settings.fixManually = flag();
-    settings.onlyEditInvalid = flag();
-    settings.outputFolder = verbatim();
-    settings.deleteOriginal = flag();
+    bool atEnd = false;
+    for (const SLine& line : lines) {
+        const QByteArray bytes = atEnd ? QByteArray() : device.readLine(longestLine);
+        atEnd = atEnd || !bytes.endsWith('\n');
+        const QString text = QString::fromUtf8(bytes);
+        const QString value = text.mid(text.indexOf(QLatin1Char('=')) + 1);
+        std::visit([&settings, &value](auto setting) { Read(value, settings.*setting); }, line.setting);
+    }
     return settings;
 }
 
