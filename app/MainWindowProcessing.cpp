@@ -2,10 +2,10 @@
 
 #include "app/MessageBoxes.h"
 #include "app/Percentage.h"
-#include "app/RunLog.h"
 #include "dialogs/DialogSocial.h"
 #include "files/FilePath.h"
 #include "platform/UserSettings.h"
+#include "processing/RunLog.h"
 #include "tags/TagTextRules.h"
 #include "ui_MainWindow.h"
 
