@@ -1,6 +1,6 @@
 #include "app/MainWindow.h"
 
-#include "app/MessageBoxes.h"
+#include "dialogs/Prompts.h"
 #include "files/FilePath.h"
 #include "naming/OutputPath.h"
 #include "platform/UserSettings.h"

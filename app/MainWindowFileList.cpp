@@ -1,9 +1,8 @@
 #include "app/MainWindow.h"
 
-#include "app/MessageBoxes.h"
 #include "app/Percentage.h"
-#include "dialogs/AskForFolder.h"
 #include "dialogs/DialogSearch.h"
+#include "dialogs/Prompts.h"
 #include "files/FilePath.h"
 #include "platform/UserSettings.h"
 #include "ui_MainWindow.h"

@@ -1,7 +1,7 @@
 #include "app/MainWindow.h"
 
-#include "app/MessageBoxes.h"
 #include "dialogs/DialogAbout.h"
+#include "dialogs/Prompts.h"
 #include "platform/Desktop.h"
 #include "platform/UserSettings.h"
 #include "platform/WebPages.h"

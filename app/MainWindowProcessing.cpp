@@ -1,8 +1,8 @@
 #include "app/MainWindow.h"
 
-#include "app/MessageBoxes.h"
 #include "app/Percentage.h"
 #include "dialogs/DialogSocial.h"
+#include "dialogs/Prompts.h"
 #include "files/FilePath.h"
 #include "platform/UserSettings.h"
 #include "processing/RunLog.h"

@@ -1,7 +1,7 @@
 #include "app/MainWindow.h"
 
-#include "app/MessageBoxes.h"
 #include "dialogs/DialogEditTags.h"
+#include "dialogs/Prompts.h"
 #include "ui_MainWindow.h"
 
 namespace

@@ -1,5 +1,9 @@
-#include "app/MessageBoxes.h"
+#include "dialogs/Prompts.h"
 
+#include "platform/UserSettings.h"
+
+#include <QCoreApplication>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLayout>
 #include <QPlainTextEdit>
@@ -52,4 +56,10 @@ void Warn(const QString& title, const QString& text)
 void Inform(const QString& text)
 {
     Show(QMessageBox::Information, QString(), text, QMessageBox::Ok, QMessageBox::Ok);
+}
+
+QString AskForFolder(QWidget* parent, const QString& settingsKey)
+{
+    return QFileDialog::getExistingDirectory(parent, QCoreApplication::translate("AskForFolder", "Select folder"),
+                                             StoredFolder(settingsKey));
 }
