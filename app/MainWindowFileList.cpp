@@ -228,11 +228,11 @@ void MainWindow::on_listAudioFiles_itemPressed(QListWidgetItem* item)
 {
     const int row = audioFiles.RowOf(item->text());
     if (row >= 0)
-        SelectRow(row);
+        MakeCurrent(row);
 }
 
 /// Makes @p row, which must exist, the current one and shows its tags and its output path.
-void MainWindow::SelectRow(int row)
+void MainWindow::MakeCurrent(int row)
 {
     QStringList lines;
     for (const STag& tag : allTags)

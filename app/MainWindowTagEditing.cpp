@@ -22,7 +22,7 @@ void MainWindow::RefreshPanel()
     if (QListWidgetItem* const item = ui->listAudioFiles->currentItem())
         on_listAudioFiles_itemPressed(item);
     else if (audioFiles.IsRow(currentRow))
-        SelectRow(currentRow);
+        MakeCurrent(currentRow);
 }
 
 void MainWindow::OnEditTags()
