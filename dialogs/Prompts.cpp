@@ -12,6 +12,7 @@ namespace
 {
 constexpr int longestText = 1000; // characters
 constexpr int mostLines = 12;
+constexpr QSize scrolledText(500, 300);
 
 /// Shows the text of @p box in a field that scrolls, so that neither its size nor its layout grows with the text.
 void MakeScrollable(QMessageBox& box)
@@ -20,7 +21,7 @@ void MakeScrollable(QMessageBox& box)
     auto* const text = new QPlainTextEdit(box.text(), &box);
     text->setReadOnly(true);
     text->setLineWrapMode(QPlainTextEdit::NoWrap);
-    text->setMinimumSize(500, 300);
+    text->setMinimumSize(scrolledText);
     delete box.layout()->replaceWidget(label, text);
     label->hide();
 }
