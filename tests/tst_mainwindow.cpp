@@ -302,7 +302,6 @@ private slots:
         };
         check(window.get());
         QVERIFY(Get<QWidget>("label_4")->font().pixelSize() > 0 && Get<QWidget>("label_2")->font().pixelSize() < 0);
-        QCOMPARE(Get<QWidget>("radioFixAuto")->font(), Get<QWidget>("radioFixMan")->font());
         DropOn(*window, {PutSample("full.mp3", Home("x/1.mp3"))});
         FromList(0, "Edit Tags", {look("Edit Tags", "buttonAbort")});
         FromList(0, "Batch Edit Tags", {look("Batch Edit Tags", "buttonAbort")});
