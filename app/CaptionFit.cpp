@@ -1,74 +1,60 @@
 #include "app/CaptionFit.h"
 
-#include <QHash>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QLabel>
 #include <QPushButton>
-#include <QToolButton>
-
-#include <algorithm>
 
 namespace
 {
-/// Whether a caption is drawn whole in the room that its widget has.
-bool Fits(const QWidget* caption)
+/// Whether a label is drawn whole in the room that it has.
+bool Fits(const QLabel& label)
 {
-    if (const auto* const label = qobject_cast<const QLabel*>(caption)) {
-        if (!label->wordWrap())
-            return label->sizeHint().width() <= label->width();
-        const QRect room = label->contentsRect();
-        const QRect text = label->fontMetrics().boundingRect(room, Qt::TextWordWrap, label->text());
-        return text.width() <= room.width() && label->heightForWidth(label->width()) <= label->height();
-    }
-    if (const auto* const button = qobject_cast<const QPushButton*>(caption)) {
-        // Its size hint has a least width that a form may fall below.
-        constexpr int frame = 4, gap = 4; // pixels; the gap is that of Qt's styles between icon and text
-        const int icon = button->icon().isNull() ? 0 : button->iconSize().width() + gap;
-        const int text = button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width();
-        return text + icon + 2 * frame <= button->width();
-    }
-    return caption->sizeHint().width() <= caption->width();
+    if (!label.wordWrap())
+        return label.sizeHint().width() <= label.width() && label.sizeHint().height() <= label.height();
+    const QRect room = label.contentsRect();
+    const QRect text = label.fontMetrics().boundingRect(room, Qt::TextWordWrap, label.text());
+    return text.width() <= room.width() && label.heightForWidth(label.width()) <= label.height();
 }
 
-/// The captions in @p window that cannot have more room, by the widget that they are in.
-QHash<const QObject*, QList<QWidget*>> FixedCaptions(const QWidget& window)
+bool Fits(const QAbstractButton& button)
 {
-    const bool fixedWindow = window.minimumSize() == window.maximumSize();
-    const QSize unlimited(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
-    QHash<const QObject*, QList<QWidget*>> captions;
-    for (auto* const label : window.findChildren<QLabel*>()) {
-        const bool elastic = label->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored;
-        if ((fixedWindow || label->maximumSize() != unlimited) && !elastic && !label->text().isEmpty())
-            captions[label->parent()] += label;
-    }
-    for (auto* const button : window.findChildren<QAbstractButton*>()) {
-        if (!qobject_cast<QToolButton*>(button) && !button->text().isEmpty())
-            captions[button->parent()] += button;
-    }
-    return captions;
+    if (!qobject_cast<const QPushButton*>(&button))
+        return button.sizeHint().width() <= button.width();
+    // The size hint of a push button has a least width that a form may fall below.
+    constexpr int frame = 4, gap = 4; // pixels; the gap is that of Qt's styles between icon and text
+    const int icon = button.icon().isNull() ? 0 : button.iconSize().width() + gap;
+    const int text = button.fontMetrics().size(Qt::TextShowMnemonic, button.text()).width();
+    return text + icon + 2 * frame <= button.width();
+}
+
+/// Draws a caption that does not fit one pixel smaller. @return whether it did.
+template <class Caption>
+bool Shrink(Caption& caption)
+{
+    constexpr int smallest = 8; // pixels
+    QFont font = caption.font();
+    // In pixels, as asked for and not as drawn: some systems round, so that a smaller step would never end.
+    const int size = font.pixelSize() > 0 ? font.pixelSize() : QFontInfo(font).pixelSize();
+    if (caption.text().isEmpty() || size <= smallest || Fits(caption))
+        return false;
+    font.setPixelSize(size - 1);
+    caption.setFont(font);
+    return true;
 }
 } // namespace
 
 void FitCaptions(const QWidget& window)
 {
-    constexpr int smallest = 8; // pixels
-    for (const QList<QWidget*>& neighbours : FixedCaptions(window)) {
-        // In whole pixels: some systems round points, so that a step of less never ends.
-        int size = 0;
-        for (const QWidget* caption : neighbours)
-            size = qMax(size, QFontInfo(caption->font()).pixelSize());
-        for (; size > smallest; --size) {
-            const bool fit = std::all_of(neighbours.begin(), neighbours.end(), [&window](const QWidget* caption) {
-                return !caption->isVisibleTo(&window) || Fits(caption);
-            });
-            if (fit)
-                break;
-            for (QWidget* const caption : neighbours) {
-                QFont font = caption->font();
-                if (QFontInfo(font).pixelSize() < size)
-                    continue;
-                font.setPixelSize(size - 1);
-                caption->setFont(font);
-            }
+    for (bool shrunk = true; shrunk;) {
+        shrunk = false;
+        for (auto* const label : window.findChildren<QLabel*>()) {
+            const bool elastic = label->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored;
+            shrunk |= label->isVisibleTo(&window) && !elastic && Shrink(*label);
         }
+        for (auto* const button : window.findChildren<QAbstractButton*>())
+            shrunk |= button->isVisibleTo(&window) && Shrink(*button);
+        // What one caption gives up is room for those beside it.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     }
 }

@@ -2,6 +2,6 @@
 
 class QWidget;
 
-/// Where a user's large font would be cut off because a form has fixed the size of a caption or of the whole window,
-/// draws that caption smaller, and its neighbours with it so that they stay alike.
+/// Draws each caption of @p window smaller that a user's large font would cut off because the form has fixed its size
+/// or that of the whole window.
 void FitCaptions(const QWidget& window);

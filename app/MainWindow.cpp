@@ -1,6 +1,6 @@
 #include "app/MainWindow.h"
 
-#include "app/MessageBoxes.h"
+#include "dialogs/Prompts.h"
 #include "files/FilePath.h"
 #include "naming/OutputPath.h"
 #include "platform/UserSettings.h"
@@ -15,6 +15,11 @@
 
 #include <initializer_list>
 #include <utility>
+
+namespace
+{
+constexpr QSize startSize(780, 560);
+} // namespace
 
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_unique<Ui_MainWindow>()), worker(nullptr)
 {
@@ -87,7 +92,7 @@ void MainWindow::Init()
     connect(ui->listAudioFiles, &QWidget::customContextMenuRequested, this, &MainWindow::OnListAudioFilesRightClick);
 
     extensions = AudioExtensions();
-    resize(780, 560);
+    resize(startSize);
     setAcceptDrops(true);
     for (QWidget* hidden : std::initializer_list<QWidget*>{ui->groupAudioPlayer, ui->buttonPlay, ui->buttonStop})
         hidden->hide();

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/AudioFileList.h"
 #include "naming/SRunSettings.h"
 #include "processing/ProcessThread.h"
+#include "tags/AudioFileList.h"
 #include "tags/TagManager.h"
 
 #include <QDir>
@@ -105,7 +105,7 @@ private:
     void AddFolder(QString folder, bool recursive);
     void AddFilesToList(const QStringList& files, bool nested);
     void SynchronizeListAudioFiles(bool showProgress);
-    void SelectRow(int row);
+    void MakeCurrent(int row);
     bool IsBusy() const;
     void EnterBusyState(const QString& status);
     void LeaveBusyState();

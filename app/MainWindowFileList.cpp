@@ -1,9 +1,8 @@
 #include "app/MainWindow.h"
 
-#include "app/MessageBoxes.h"
 #include "app/Percentage.h"
-#include "dialogs/AskForFolder.h"
 #include "dialogs/DialogSearch.h"
+#include "dialogs/Prompts.h"
 #include "files/FilePath.h"
 #include "platform/UserSettings.h"
 #include "ui_MainWindow.h"
@@ -229,11 +228,11 @@ void MainWindow::on_listAudioFiles_itemPressed(QListWidgetItem* item)
 {
     const int row = audioFiles.RowOf(item->text());
     if (row >= 0)
-        SelectRow(row);
+        MakeCurrent(row);
 }
 
 /// Makes @p row, which must exist, the current one and shows its tags and its output path.
-void MainWindow::SelectRow(int row)
+void MainWindow::MakeCurrent(int row)
 {
     QStringList lines;
     for (const STag& tag : allTags)

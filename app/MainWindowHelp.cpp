@@ -1,9 +1,9 @@
 #include "app/MainWindow.h"
 
-#include "app/MessageBoxes.h"
-#include "app/RunLog.h"
 #include "dialogs/DialogAbout.h"
+#include "dialogs/Prompts.h"
 #include "platform/Desktop.h"
+#include "platform/UserSettings.h"
 #include "platform/WebPages.h"
 
 #include <QFile>

@@ -1,11 +1,11 @@
 #include "app/MainWindow.h"
 
-#include "app/MessageBoxes.h"
 #include "app/Percentage.h"
-#include "app/RunLog.h"
 #include "dialogs/DialogSocial.h"
+#include "dialogs/Prompts.h"
 #include "files/FilePath.h"
 #include "platform/UserSettings.h"
+#include "processing/RunLog.h"
 #include "tags/TagTextRules.h"
 #include "ui_MainWindow.h"
 

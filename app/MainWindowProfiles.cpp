@@ -1,7 +1,7 @@
 #include "app/MainWindow.h"
 
-#include "app/MessageBoxes.h"
-#include "app/ProfileFile.h"
+#include "dialogs/Prompts.h"
+#include "naming/ProfileText.h"
 #include "platform/UserSettings.h"
 
 #include <QDir>

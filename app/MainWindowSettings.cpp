@@ -1,7 +1,7 @@
 #include "app/MainWindow.h"
 
-#include "dialogs/AskForFolder.h"
 #include "dialogs/DialogRename.h"
+#include "dialogs/Prompts.h"
 #include "files/FilePath.h"
 #include "naming/OutputPath.h"
 #include "platform/UserSettings.h"

@@ -1,7 +1,7 @@
 #include "app/MainWindow.h"
 
-#include "app/MessageBoxes.h"
 #include "dialogs/DialogEditTags.h"
+#include "dialogs/Prompts.h"
 #include "ui_MainWindow.h"
 
 namespace
@@ -22,7 +22,7 @@ void MainWindow::RefreshPanel()
     if (QListWidgetItem* const item = ui->listAudioFiles->currentItem())
         on_listAudioFiles_itemPressed(item);
     else if (audioFiles.IsRow(currentRow))
-        SelectRow(currentRow);
+        MakeCurrent(currentRow);
 }
 
 void MainWindow::OnEditTags()

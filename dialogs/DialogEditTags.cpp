@@ -15,6 +15,9 @@
 
 namespace
 {
+constexpr int wideButton = 130;  // pixels
+constexpr int batchHeight = 250; // pixels
+
 /// Where one tag is kept: in a record, in the dialog, in its form.
 struct SField
 {
@@ -47,7 +50,7 @@ DialogEditTags::DialogEditTags(QWidget* parent, int mode)
     }
     if (mode == EditAll) {
         setWindowTitle(tr("Batch Edit Tags"));
-        setFixedHeight(250);
+        setFixedHeight(batchHeight);
         ui->actionLabel->setText(tr("Edit the tags of all the files in the list:"));
         for (QWidget* widget : std::initializer_list<QWidget*>{ui->fileLabel, ui->textFilePath, ui->buttonOnlineSearch,
                                                                ui->buttonPlay, ui->buttonStop})
@@ -57,7 +60,7 @@ DialogEditTags::DialogEditTags(QWidget* parent, int mode)
         ui->buttonSkip->hide();
         ui->buttonAbort->setText(tr("Cancel"));
     }
-    ui->buttonOnlineSearch->setFixedWidth(130);
+    ui->buttonOnlineSearch->setFixedWidth(wideButton);
 }
 
 DialogEditTags::~DialogEditTags() = default;
@@ -86,7 +89,7 @@ void DialogEditTags::Init()
     for (const SField& field : fields)
         ((*ui).*field.edit)->setText(this->*field.text);
     ui->editArtist->setFocus();
-    ui->buttonPlay->setFixedWidth(130);
+    ui->buttonPlay->setFixedWidth(wideButton);
     ui->buttonPlay->setText(tr("Play in iTunes"));
     ui->buttonStop->hide();
     menuOnlineSearch->addActions({actionDiscogs, actionAllmusic});

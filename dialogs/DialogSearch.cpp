@@ -1,6 +1,6 @@
 #include "dialogs/DialogSearch.h"
 
-#include "dialogs/AskForFolder.h"
+#include "dialogs/Prompts.h"
 #include "files/FilePath.h"
 #include "platform/UserSettings.h"
 #include "ui_DialogSearch.h"

@@ -3,14 +3,23 @@
 #include "files/FilePath.h"
 #include "tags/TagTextRules.h"
 
-bool IsOrganizeChoice(int organizeBy)
+namespace
 {
-    return organizeBy >= 0 && organizeBy < static_cast<int>(organizeChoices.size());
+template <class Table>
+auto RowAt(const Table& table, int index)
+{
+    return index >= 0 && index < static_cast<int>(table.size()) ? &table[static_cast<std::size_t>(index)] : nullptr;
+}
+} // namespace
+
+const SOrganizeChoice* OrganizeChoiceAt(int organizeBy)
+{
+    return RowAt(organizeChoices, organizeBy);
 }
 
-bool IsRenameChoice(int renameIndex)
+const SRenameChoice* RenameChoiceAt(int renameIndex)
 {
-    return renameIndex >= 0 && renameIndex < static_cast<int>(renameChoices.size());
+    return RowAt(renameChoices, renameIndex);
 }
 
 QString GenerateFileNameFromRenameScheme(const QString& scheme, const QString& artist, const QString& title,
@@ -50,14 +59,13 @@ QString GenerateFileNameFromRenameScheme(const QString& scheme, const QString& a
 
 QString BuildFileName(const SAudioFile& file, int renameIndex, const QString& customScheme)
 {
-    if (!IsRenameChoice(renameIndex))
+    const SRenameChoice* const choice = RenameChoiceAt(renameIndex);
+    if (!choice)
         return QString();
     if (renameIndex == originalNameIndex)
         return StrippedOfReservedChars(BaseNameOf(file.Path));
 
-    const QString scheme = renameIndex == customRenameIndex
-                               ? customScheme
-                               : QString::fromLatin1(renameChoices[static_cast<std::size_t>(renameIndex)].scheme);
+    const QString scheme = renameIndex == customRenameIndex ? customScheme : QString::fromLatin1(choice->scheme);
     return StrippedOfReservedChars(GenerateFileNameFromRenameScheme(scheme, file.Artist, file.Title, file.Album,
                                                                     file.Year, file.Genre, file.Track));
 }
@@ -65,8 +73,8 @@ QString BuildFileName(const SAudioFile& file, int renameIndex, const QString& cu
 QStringList FolderTags(const SAudioFile& file, int organizeBy)
 {
     QStringList tags;
-    if (IsOrganizeChoice(organizeBy)) {
-        for (const TagField level : organizeChoices[static_cast<std::size_t>(organizeBy)].levels) {
+    if (const SOrganizeChoice* const choice = OrganizeChoiceAt(organizeBy)) {
+        for (const TagField level : choice->levels) {
             if (level)
                 tags += file.*level;
         }
@@ -99,8 +107,8 @@ QString BuildPreviewPath(const SAudioFile& file, const SRunSettings& settings, c
     QString path = settings.outputFolder + QLatin1Char('/');
     if (settings.organizeBy != 0) {
         QString folders;
-        if (IsOrganizeChoice(settings.organizeBy))
-            folders = QLatin1String(organizeChoices[static_cast<std::size_t>(settings.organizeBy)].label);
+        if (const SOrganizeChoice* const choice = OrganizeChoiceAt(settings.organizeBy))
+            folders = QLatin1String(choice->label);
         for (const STag& tag : allTags) {
             // A value that contains the caption of a later tag is replaced again, which a preview may.
             const QString& text = file.*tag.field;

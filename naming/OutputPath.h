@@ -8,7 +8,7 @@
 #include <array>
 
 /// One "Organize by" choice: its label, which is also the folder pattern of the preview, and the tag of each folder
-/// level from the top down (null where there are fewer than three).
+/// level from the top down (null beyond the last).
 struct SOrganizeChoice
 {
     const char* label;
@@ -54,8 +54,17 @@ constexpr std::array<SRenameChoice, 7> renameChoices{{
     {"Custom", nullptr},
 }};
 
-bool IsOrganizeChoice(int organizeBy);
-bool IsRenameChoice(int renameIndex);
+/// The row of the table at this index, which may be any number; null when there is none.
+const SOrganizeChoice* OrganizeChoiceAt(int organizeBy);
+const SRenameChoice* RenameChoiceAt(int renameIndex);
+inline bool IsOrganizeChoice(int organizeBy)
+{
+    return OrganizeChoiceAt(organizeBy);
+}
+inline bool IsRenameChoice(int renameIndex)
+{
+    return RenameChoiceAt(renameIndex);
+}
 
 /// Expands the placeholders "[Artist]" to "[Track]" of @p scheme in one scan. Other bracketed words, an unclosed "["
 /// and everything else stay as they are; values are inserted as passed in.

@@ -33,3 +33,8 @@ QString DocumentsFolder()
 {
     return FirstLocation(QStandardPaths::DocumentsLocation);
 }
+
+QString RunLogPath()
+{
+    return DocumentsFolder() + QStringLiteral("/Orvanto/Orvanto.log");
+}

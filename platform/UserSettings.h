@@ -26,3 +26,6 @@ bool StoredFlag(const QString& key);
 
 /// The first of the desktop's documents locations; maybe not there yet.
 QString DocumentsFolder();
+
+/// Where every run is logged. The file may not exist yet.
+QString RunLogPath();

@@ -1,6 +1,6 @@
-#include "app/ProfileFile.h"
 #include "files/FilePath.h"
 #include "naming/OutputPath.h"
+#include "naming/ProfileText.h"
 #include "tags/TagTextRules.h"
 
 #include <QBuffer>

@@ -1,7 +1,7 @@
 #include "app/MainWindow.h"
 #include "app/NativeLookingApplication.h"
-#include "app/ProfileFile.h"
 #include "files/FilePath.h"
+#include "naming/ProfileText.h"
 #include "support/AudioSamples.h"
 #include "support/Driver.h"
 

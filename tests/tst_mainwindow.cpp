@@ -1,5 +1,4 @@
 #include "app/MainWindow.h"
-#include "app/ProfileFile.h"
 #include "files/FilePath.h"
 #include "platform/UserSettings.h"
 #include "support/AudioSamples.h"
@@ -9,7 +8,6 @@
 #include "support/Openings.h"
 #endif
 
-#include <QBuffer>
 #include <QComboBox>
 #include <QFileDialog>
 #include <QLabel>
@@ -304,7 +302,6 @@ private slots:
         };
         check(window.get());
         QVERIFY(Get<QWidget>("label_4")->font().pixelSize() > 0 && Get<QWidget>("label_2")->font().pixelSize() < 0);
-        QCOMPARE(Get<QWidget>("radioFixAuto")->font(), Get<QWidget>("radioFixMan")->font());
         DropOn(*window, {PutSample("full.mp3", Home("x/1.mp3"))});
         FromList(0, "Edit Tags", {look("Edit Tags", "buttonAbort")});
         FromList(0, "Batch Edit Tags", {look("Batch Edit Tags", "buttonAbort")});
@@ -604,31 +601,6 @@ private slots:
             DropOn(*window, {Home("in")});
         }
         QVERIFY(Rows().isEmpty());
-    }
-
-    void profileText()
-    {
-        const SRunSettings settings{5, 6, "[x]=é", true, false, true, "/a=b", false};
-        const QByteArray text = "organizeBy=5\nrename=6\ncustomRenameScheme=[x]=é\nskipOrganize=1\ntagFixManual=0\n"
-                                "onlyEditInvalidTags=1\noutputFolder=/a=b\ndeleteOriginal=0\n";
-        QCOMPARE(ProfileText(settings), text);
-        const QByteArray rows[][2] = {
-            {text, text},
-            {"1\n=2 \nx\nyes\n-1\n2\nx=/o\r\nk=1", // by position, the key is not looked at
-             "organizeBy=1\nrename=2\ncustomRenameScheme=x\nskipOrganize=0\ntagFixManual=1\nonlyEditInvalidTags=1\n"
-             "outputFolder=/o\r\ndeleteOriginal=1\n"},
-            {"a= 3\t\nb=99", "organizeBy=3\nrename=99\ncustomRenameScheme=\nskipOrganize=0\ntagFixManual=0\n"
-                             "onlyEditInvalidTags=0\noutputFolder=\ndeleteOriginal=0\n"},
-            {QByteArray(1 << 20, '='), ProfileText({0, 0, "", false, false, false, "", false})},
-            {"\n\n\xff\n", ProfileText({0, 0, QString(QChar(0xFFFD)), false, false, false, "", false})},
-        };
-        for (const auto& [in, out] : rows) {
-            QBuffer buffer;
-            buffer.setData(in);
-            QVERIFY(buffer.open(QIODevice::ReadOnly));
-            QCOMPARE(ProfileText(ReadProfile(buffer)), out);
-            QVERIFY(buffer.pos() <= 1 << 17);
-        }
     }
 
     void profiles()

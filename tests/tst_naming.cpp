@@ -1,5 +1,7 @@
 #include "naming/OutputPath.h"
+#include "naming/ProfileText.h"
 
+#include <QBuffer>
 #include <QtTest>
 
 namespace
@@ -103,6 +105,31 @@ private slots:
             QCOMPARE(FolderTags(song, outside), QStringList());
             QCOMPARE(BuildFileName(song, outside, "x"), QString());
             QCOMPARE(Preview(song, settings), QString("/out//.mp3"));
+        }
+    }
+
+    void profileText()
+    {
+        const SRunSettings settings{5, 6, "[x]=é", true, false, true, "/a=b", false};
+        const QByteArray text = "organizeBy=5\nrename=6\ncustomRenameScheme=[x]=é\nskipOrganize=1\ntagFixManual=0\n"
+                                "onlyEditInvalidTags=1\noutputFolder=/a=b\ndeleteOriginal=0\n";
+        QCOMPARE(ProfileText(settings), text);
+        const QByteArray rows[][2] = {
+            {text, text},
+            {"1\n=2 \nx\nyes\n-1\n2\nx=/o\r\nk=1", // by position, the key is not looked at
+             "organizeBy=1\nrename=2\ncustomRenameScheme=x\nskipOrganize=0\ntagFixManual=1\nonlyEditInvalidTags=1\n"
+             "outputFolder=/o\r\ndeleteOriginal=1\n"},
+            {"a= 3\t\nb=99", "organizeBy=3\nrename=99\ncustomRenameScheme=\nskipOrganize=0\ntagFixManual=0\n"
+                             "onlyEditInvalidTags=0\noutputFolder=\ndeleteOriginal=0\n"},
+            {QByteArray(1 << 20, '='), ProfileText({0, 0, "", false, false, false, "", false})},
+            {"\n\n\xff\n", ProfileText({0, 0, QString(QChar(0xFFFD)), false, false, false, "", false})},
+        };
+        for (const auto& [in, out] : rows) {
+            QBuffer buffer;
+            buffer.setData(in);
+            QVERIFY(buffer.open(QIODevice::ReadOnly));
+            QCOMPARE(ProfileText(ReadProfile(buffer)), out);
+            QVERIFY(buffer.pos() <= 1 << 17);
         }
     }
 

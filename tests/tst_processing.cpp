@@ -1,4 +1,5 @@
 #include "processing/ProcessThread.h"
+#include "processing/RunLog.h"
 #include "support/AudioSamples.h"
 
 #include <QTemporaryDir>
@@ -202,6 +203,13 @@ private slots:
         QCOMPARE(copy.lastModified(), time);
         QCOMPARE(copy.permissions(), permissions);
         QVERIFY(Bytes(copy.filePath()) == music);
+    }
+
+    void logBlock()
+    {
+        const QByteArray dashes = "--------------------------------------------------------------\n";
+        const QDateTime time(QDate(2026, 3, 4), QTime(15, 6, 7));
+        QCOMPARE(RunLogBlock(time, "Björk\n"), dashes + "04.03.2026 15:06:07\n\nBjörk\n" + dashes + '\n');
     }
 
     void stops()

@@ -5,8 +5,8 @@
 #include <QByteArray>
 #include <QIODevice>
 
-/// A profile file: the eight settings as UTF-8, one "key=value" line each, in a fixed order, each line ended by one
-/// line feed.
+/// The text of a profile file: the eight settings as UTF-8, one "key=value" line each, in a fixed order, each line
+/// ended by one line feed.
 
 /// The file's exact content for these settings.
 QByteArray ProfileText(const SRunSettings& settings);

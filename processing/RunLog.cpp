@@ -1,11 +1,4 @@
-#include "app/RunLog.h"
-
-#include "platform/UserSettings.h"
-
-QString RunLogPath()
-{
-    return DocumentsFolder() + QStringLiteral("/Orvanto/Orvanto.log");
-}
+#include "processing/RunLog.h"
 
 QByteArray RunLogBlock(const QDateTime& time, const QString& report)
 {

@@ -1,4 +1,4 @@
-#include "app/AudioFileList.h"
+#include "tags/AudioFileList.h"
 
 void AudioFileList::Append(const SAudioFile& file)
 {

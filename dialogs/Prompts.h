@@ -3,6 +3,8 @@
 #include <QMessageBox>
 #include <QString>
 
+class QWidget;
+
 /// The program's message boxes: modal, without parent, their text always plain. A long text scrolls.
 
 /// Asks with the question icon; @p buttons besides Yes, which is the default.
@@ -13,3 +15,7 @@ bool AskYesNo(const QString& text);
 
 void Warn(const QString& title, const QString& text);
 void Inform(const QString& text);
+
+/// Asks for a folder, starting at the one that is stored under @p settingsKey. @return an empty text when cancelled.
+/// The caller stores what was chosen, each at its own time.
+QString AskForFolder(QWidget* parent, const QString& settingsKey);

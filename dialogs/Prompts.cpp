@@ -1,24 +1,36 @@
-#include "app/MessageBoxes.h"
+#include "dialogs/Prompts.h"
 
+#include "platform/UserSettings.h"
+
+#include <QCoreApplication>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLayout>
 #include <QPlainTextEdit>
+
+#include <algorithm>
 
 namespace
 {
 constexpr int longestText = 1000; // characters
 constexpr int mostLines = 12;
+constexpr QSize scrolledText(500, 300);
 
 /// Shows the text of @p box in a field that scrolls, so that neither its size nor its layout grows with the text.
+/// A box that shows its text in no label is left as it is.
 void MakeScrollable(QMessageBox& box)
 {
-    auto* const label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+    const QList<QLabel*> labels = box.findChildren<QLabel*>();
+    const auto shown =
+        std::find_if(labels.begin(), labels.end(), [&box](const QLabel* label) { return label->text() == box.text(); });
+    if (shown == labels.end())
+        return;
     auto* const text = new QPlainTextEdit(box.text(), &box);
     text->setReadOnly(true);
     text->setLineWrapMode(QPlainTextEdit::NoWrap);
-    text->setMinimumSize(500, 300);
-    delete box.layout()->replaceWidget(label, text);
-    label->hide();
+    text->setMinimumSize(scrolledText);
+    delete box.layout()->replaceWidget(*shown, text);
+    (*shown)->hide();
 }
 
 QMessageBox::StandardButton Show(QMessageBox::Icon icon, const QString& title, const QString& text,
@@ -52,4 +64,10 @@ void Warn(const QString& title, const QString& text)
 void Inform(const QString& text)
 {
     Show(QMessageBox::Information, QString(), text, QMessageBox::Ok, QMessageBox::Ok);
+}
+
+QString AskForFolder(QWidget* parent, const QString& settingsKey)
+{
+    return QFileDialog::getExistingDirectory(parent, QCoreApplication::translate("AskForFolder", "Select folder"),
+                                             StoredFolder(settingsKey));
 }

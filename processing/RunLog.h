@@ -4,8 +4,5 @@
 #include <QDateTime>
 #include <QString>
 
-/// Where every run is logged. The file may not exist yet.
-QString RunLogPath();
-
 /// The block that one run appends to the log, in UTF-8: @p report between two lines of dashes, below the time.
 QByteArray RunLogBlock(const QDateTime& time, const QString& report);
