@@ -1,12 +1,12 @@
 #include "app/MainWindow.h"
 #include "app/ProfileFile.h"
+#include "demo/AudioSamples.h"
+#include "demo/Driver.h"
+#include "demo/Sandbox.h"
 #include "files/FilePath.h"
 #include "platform/UserSettings.h"
-#include "support/AudioSamples.h"
-#include "support/Driver.h"
-#include "support/Sandbox.h"
 #ifdef Q_OS_LINUX
-#include "support/Openings.h"
+#include "tests/support/Openings.h"
 #endif
 
 #include <QBuffer>

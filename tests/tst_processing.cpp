@@ -1,5 +1,5 @@
+#include "demo/AudioSamples.h"
 #include "processing/ProcessThread.h"
-#include "support/AudioSamples.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
