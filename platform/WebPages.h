@@ -2,14 +2,15 @@
 
 #include <QString>
 
-/// Every web address that the program opens. A maker sets the hosts here.
+/// Every web address that the program opens. A maker sets the hosts here, and that of the home page in
+/// CMakeLists.txt, from where the package takes it, too.
 namespace WebPage
 {
 inline const QString discogsName = QStringLiteral("discogs.com");
 inline const QString discogsSearch = QStringLiteral("http://www.discogs.com/search/?q=");
 inline const QString allmusicName = QStringLiteral("allmusic.com");
 inline const QString allmusicSearch = QStringLiteral("http://www.allmusic.com/search/all/");
-inline const QString home = QStringLiteral("http://www.orvanto.example");
+inline const QString home = QStringLiteral(ORVANTO_HOMEPAGE);
 inline const QString onlineHelp = home + QStringLiteral("/help-mac.html");
 inline const QString videoTutorial = home + QStringLiteral("/feature.html");
 inline const QString onlineSupport = home + QStringLiteral("/contact.html");

@@ -1,11 +1,11 @@
 #include "app/MainWindow.h"
+#include "demo/AudioSamples.h"
+#include "demo/Driver.h"
+#include "demo/Sandbox.h"
 #include "files/FilePath.h"
 #include "platform/UserSettings.h"
-#include "support/AudioSamples.h"
-#include "support/Driver.h"
-#include "support/Sandbox.h"
 #ifdef Q_OS_LINUX
-#include "support/Openings.h"
+#include "tests/support/Openings.h"
 #endif
 
 #include <QComboBox>

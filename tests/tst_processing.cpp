@@ -1,6 +1,6 @@
+#include "demo/AudioSamples.h"
 #include "processing/ProcessThread.h"
 #include "processing/RunLog.h"
-#include "support/AudioSamples.h"
 
 #include <QTemporaryDir>
 #include <QtTest>

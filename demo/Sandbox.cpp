@@ -1,4 +1,4 @@
-#include "support/Sandbox.h"
+#include "demo/Sandbox.h"
 
 #include <QDir>
 

@@ -1,8 +1,8 @@
 #include "app/MainWindow.h"
+#include "demo/AudioSamples.h"
+#include "demo/Driver.h"
+#include "demo/Sandbox.h"
 #include "files/FilePath.h"
-#include "support/AudioSamples.h"
-#include "support/Driver.h"
-#include "support/Sandbox.h"
 
 #include <QListWidget>
 #include <QMenu>
@@ -202,4 +202,4 @@ int main(int argc, char** argv)
     return QTest::qExec(&tour, {QString::fromLatin1(argv[0]), QStringLiteral("-silent")});
 }
 
-#include "sample_tour.moc"
+#include "SampleTour.moc"

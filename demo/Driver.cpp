@@ -1,4 +1,4 @@
-#include "support/Driver.h"
+#include "demo/Driver.h"
 
 #include <QAbstractItemView>
 #include <QApplication>

@@ -1,9 +1,9 @@
 #include "app/MainWindow.h"
 #include "app/NativeLookingApplication.h"
+#include "demo/AudioSamples.h"
+#include "demo/Driver.h"
 #include "files/FilePath.h"
 #include "naming/ProfileText.h"
-#include "support/AudioSamples.h"
-#include "support/Driver.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
