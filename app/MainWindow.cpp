@@ -33,7 +33,6 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_uniq
 
 MainWindow::~MainWindow()
 {
-    hide(); // the file that is being copied may take its time
     worker.requestInterruption();
     worker.wait(); // here, before the form goes
     DiscardPlayer();
@@ -183,10 +182,11 @@ void MainWindow::on_actionExit_triggered()
     Quit();
 }
 
-/// Ends the program from any state: loops on this thread see the flag, the worker stops between two files.
+/// Ends the program from any state: loops on this thread see the flag, the worker stops within a file.
 void MainWindow::Quit()
 {
     quitting = true;
+    hide();
     worker.requestInterruption();
     QCoreApplication::quit();
 }

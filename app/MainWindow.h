@@ -24,7 +24,7 @@ class MainWindow : public QMainWindow
 
 public:
     explicit MainWindow(QWidget* parent);
-    /// Stops a run between two files and waits for that.
+    /// Stops a run and waits for that.
     ~MainWindow() override;
 
 protected:

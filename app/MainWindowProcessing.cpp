@@ -4,6 +4,7 @@
 #include "dialogs/DialogSocial.h"
 #include "dialogs/Prompts.h"
 #include "files/FilePath.h"
+#include "files/WholeFile.h"
 #include "platform/UserSettings.h"
 #include "processing/RunLog.h"
 #include "tags/TagTextRules.h"
@@ -11,7 +12,6 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 
 void MainWindow::on_buttonOrganize_clicked()
 {
@@ -84,8 +84,7 @@ void MainWindow::ProcessThreadFinished()
 void MainWindow::ReportRun()
 {
     QDir().mkpath(FolderOf(RunLogPath()));
-    QFile log(RunLogPath());
-    if (!log.open(QIODevice::Append | QIODevice::Text)) {
+    if (!AppendToFile(RunLogPath(), QByteArray())) {
         Warn(QString(), tr("Could not save log."));
         return;
     }
@@ -98,7 +97,7 @@ void MainWindow::ReportRun()
         Warn(tr("Log"), report + tr("\nOrvanto could not fix the invalid tags. For better results try to manually edit "
                                     "the tags or try a different organize/rename pattern."));
     }
-    log.write(RunLogBlock(QDateTime::currentDateTime(), report));
+    AppendToFile(RunLogPath(), RunLogBlock(QDateTime::currentDateTime(), report));
 }
 
 /// Lists the files that the worker has left, with their tags as they are on disk now.

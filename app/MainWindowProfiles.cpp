@@ -1,6 +1,7 @@
 #include "app/MainWindow.h"
 
 #include "dialogs/Prompts.h"
+#include "files/WholeFile.h"
 #include "naming/ProfileText.h"
 #include "platform/UserSettings.h"
 
@@ -48,13 +49,10 @@ void MainWindow::on_actionSave_Profile_triggered()
         on_actionSave_Profile_As_triggered();
         return;
     }
-    QFile file(profilePath);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+    if (!WriteWholeFile(profilePath, ProfileText(settings))) {
         Warn(QString(), tr("Could not save profile."));
         return;
     }
-    file.write(ProfileText(settings));
-    file.close();
     UpdateAppTitleWithProfile(ProfileName(profilePath));
 }
 

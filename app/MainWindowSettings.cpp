@@ -4,6 +4,7 @@
 #include "dialogs/Prompts.h"
 #include "files/FilePath.h"
 #include "naming/OutputPath.h"
+#include "naming/ProfileText.h"
 #include "platform/UserSettings.h"
 #include "ui_MainWindow.h"
 
@@ -77,7 +78,7 @@ void MainWindow::on_checkDeleteOriginal_clicked(bool checked)
 
 void MainWindow::on_editOutputFolder_textEdited(const QString& text)
 {
-    settings.outputFolder = WithForwardSlashes(text);
+    settings.outputFolder = WithoutLineBreaks(WithForwardSlashes(text));
     UpdateOutputPreview();
     if (!loading)
         OpenSettings().setValue(SettingsKey::outputFolder, settings.outputFolder);

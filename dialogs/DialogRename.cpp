@@ -1,5 +1,6 @@
 #include "dialogs/DialogRename.h"
 
+#include "naming/ProfileText.h"
 #include "ui_DialogRename.h"
 
 DialogRename::DialogRename(QWidget* parent) : QDialog(parent), ui(std::make_unique<Ui_DialogRename>())
@@ -17,7 +18,7 @@ int DialogRename::exec()
 
 void DialogRename::on_buttonOK_clicked()
 {
-    scheme = ui->editRenameScheme->text();
+    scheme = WithoutLineBreaks(ui->editRenameScheme->text());
     accept();
 }
 

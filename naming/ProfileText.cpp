@@ -85,6 +85,11 @@ SRunSettings ReadProfile(QIODevice& device)
     return settings;
 }
 
+QString WithoutLineBreaks(QString text)
+{
+    return text.remove(QLatin1Char('\n')).remove(QLatin1Char('\r'));
+}
+
 QString ProfileName(const QString& path)
 {
     return BaseNameOf(path);

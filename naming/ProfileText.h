@@ -17,5 +17,8 @@ QByteArray ProfileText(const SRunSettings& settings);
 /// and the rest of the file is not read.
 SRunSettings ReadProfile(QIODevice& device);
 
+/// @p text without line feeds and carriage returns, which a line of a profile cannot hold.
+QString WithoutLineBreaks(QString text);
+
 /// The name under which the window shows the profile at @p path.
 QString ProfileName(const QString& path);
