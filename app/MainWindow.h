@@ -5,7 +5,6 @@
 #include "tags/AudioFileList.h"
 #include "tags/TagManager.h"
 
-#include <QDir>
 #include <QMainWindow>
 #include <QStringList>
 
@@ -101,7 +100,6 @@ private:
     void RefreshInterface();
     void Quit();
 
-    QStringList EntriesBySize(const QString& folder, QDir::Filters filters) const;
     void AddFolder(QString folder, bool recursive);
     void AddFilesToList(const QStringList& files, bool nested);
     void SynchronizeListAudioFiles(bool showProgress);

@@ -4,12 +4,12 @@
 #include "dialogs/DialogSearch.h"
 #include "dialogs/Prompts.h"
 #include "files/FilePath.h"
+#include "files/FolderEntries.h"
 #include "platform/UserSettings.h"
 #include "ui_MainWindow.h"
 
 #include <QCoreApplication>
 #include <QCursor>
-#include <QDirIterator>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileDialog>
@@ -19,11 +19,7 @@
 #include <QScopedValueRollback>
 #include <QUrl>
 
-#include <algorithm>
 #include <optional>
-#include <tuple>
-#include <utility>
-#include <vector>
 
 /// The window is busy filling its list for as long as this lives; of nested ones, the outermost decides.
 class MainWindow::BusyGuard
@@ -107,30 +103,6 @@ void MainWindow::OnSearch()
     SynchronizeListAudioFiles(true);
 }
 
-/// The paths of the entries of @p folder, which ends in "/", in the order of QDir::Size | QDir::Reversed: the smallest
-/// first, of equal ones the last name. Unlike QDir, it lets the window live while it reads a folder of many thousands.
-QStringList MainWindow::EntriesBySize(const QString& folder, QDir::Filters filters) const
-{
-    constexpr std::size_t entriesPerTurn = 1000;
-    std::vector<std::pair<qint64, QString>> entries;
-    QDirIterator iterator(folder, filters);
-    while (!quitting && iterator.hasNext()) {
-        iterator.next();
-        entries.emplace_back(iterator.fileInfo().size(), iterator.fileName());
-        if (entries.size() % entriesPerTurn == 0)
-            QCoreApplication::processEvents();
-    }
-    QCoreApplication::processEvents();
-    std::sort(entries.begin(), entries.end(), [](const auto& left, const auto& right) {
-        return std::tie(left.first, right.second) < std::tie(right.first, left.second);
-    });
-
-    QStringList paths;
-    for (const auto& [size, name] : entries)
-        paths += folder + name;
-    return paths;
-}
-
 /// Adds the files of @p folder, smallest first, then those of its subfolders in the same order. A recursive walk is
 /// part of a larger change: its caller rebuilds the rows.
 void MainWindow::AddFolder(QString folder, bool recursive)
@@ -142,11 +114,15 @@ void MainWindow::AddFolder(QString folder, bool recursive)
         folder += QLatin1Char('/');
 
     const BusyGuard busy(*this);
-    AddFilesToList(EntriesBySize(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks), recursive);
+    const auto goOn = [this] {
+        QCoreApplication::processEvents();
+        return !quitting;
+    };
+    AddFilesToList(EntriesBySize(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks, goOn), recursive);
     if (!recursive)
         return;
     // Links to folders are followed, hidden folders are not entered: on purpose.
-    for (const QString& subfolder : EntriesBySize(folder, QDir::Dirs | QDir::NoDotAndDotDot))
+    for (const QString& subfolder : EntriesBySize(folder, QDir::Dirs | QDir::NoDotAndDotDot, goOn))
         AddFolder(subfolder, true);
 }
 
