@@ -8,6 +8,7 @@
 #include <QMainWindow>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 class QListWidgetItem;
@@ -100,8 +101,9 @@ private:
     void RefreshInterface();
     void Quit();
 
+    void FillList(const std::function<void()>& add);
     void AddFolder(QString folder, bool recursive);
-    void AddFilesToList(const QStringList& files, bool nested);
+    void AddFilesToList(const QStringList& files);
     void SynchronizeListAudioFiles(bool showProgress);
     void MakeCurrent(int row);
     bool IsBusy() const;

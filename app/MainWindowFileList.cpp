@@ -19,8 +19,6 @@
 #include <QScopedValueRollback>
 #include <QUrl>
 
-#include <optional>
-
 /// The window is busy filling its list for as long as this lives; of nested ones, the outermost decides.
 class MainWindow::BusyGuard
 {
@@ -66,7 +64,7 @@ void MainWindow::OnAddFiles()
                                                             tr("Multimedia files (%1)").arg(masks));
     if (files.isEmpty())
         return;
-    AddFilesToList(files, false);
+    FillList([&] { AddFilesToList(files); });
     OpenSettings().setValue(SettingsKey::addFilesFolder, FolderOf(files.first()));
 }
 
@@ -75,7 +73,7 @@ void MainWindow::OnAddFolder()
     const QString folder = AskForFolder(this, SettingsKey::addFolder);
     if (folder.isEmpty())
         return;
-    AddFolder(folder, false);
+    FillList([&] { AddFolder(folder, false); });
     OpenSettings().setValue(SettingsKey::addFolder, folder);
 }
 
@@ -84,10 +82,10 @@ void MainWindow::OnAddFolderWithSubfolders()
     const QString folder = AskForFolder(this, SettingsKey::addFolder);
     if (folder.isEmpty())
         return;
-    const BusyGuard busy(*this);
-    AddFolder(folder, true);
-    OpenSettings().setValue(SettingsKey::addFolder, folder);
-    SynchronizeListAudioFiles(true);
+    FillList([&] {
+        AddFolder(folder, true);
+        OpenSettings().setValue(SettingsKey::addFolder, folder);
+    });
 }
 
 void MainWindow::OnSearch()
@@ -95,16 +93,21 @@ void MainWindow::OnSearch()
     DialogSearch dialog(nullptr);
     if (dialog.exec() != QDialog::Accepted || dialog.searchPath.isEmpty())
         return;
-    const BusyGuard busy(*this);
-    {
+    FillList([&] {
         const QScopedValueRollback<QStringList> narrowed(extensions, {AudioExtensions().at(dialog.searchMask)});
         AddFolder(dialog.searchPath, dialog.searchSubfolders);
-    }
+    });
+}
+
+/// Keeps the window busy while @p add adds files to the list and the new rows are shown.
+void MainWindow::FillList(const std::function<void()>& add)
+{
+    const BusyGuard busy(*this);
+    add();
     SynchronizeListAudioFiles(true);
 }
 
-/// Adds the files of @p folder, smallest first, then those of its subfolders in the same order. A recursive walk is
-/// part of a larger change: its caller rebuilds the rows.
+/// Adds the files of @p folder, smallest first, then those of its subfolders in the same order.
 void MainWindow::AddFolder(QString folder, bool recursive)
 {
     if (folder.isEmpty() || quitting)
@@ -113,12 +116,11 @@ void MainWindow::AddFolder(QString folder, bool recursive)
     if (!folder.endsWith(QLatin1Char('/')))
         folder += QLatin1Char('/');
 
-    const BusyGuard busy(*this);
     const auto goOn = [this] {
         QCoreApplication::processEvents();
         return !quitting;
     };
-    AddFilesToList(EntriesBySize(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks, goOn), recursive);
+    AddFilesToList(EntriesBySize(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks, goOn));
     if (!recursive)
         return;
     // Links to folders are followed, hidden folders are not entered: on purpose.
@@ -126,13 +128,9 @@ void MainWindow::AddFolder(QString folder, bool recursive)
         AddFolder(subfolder, true);
 }
 
-/// Reads and appends those of @p files that are of an accepted type and not listed yet. @p nested: the caller keeps
-/// the window busy and rebuilds the rows.
-void MainWindow::AddFilesToList(const QStringList& files, bool nested)
+/// Reads and appends those of @p files that are of an accepted type and not listed yet.
+void MainWindow::AddFilesToList(const QStringList& files)
 {
-    std::optional<BusyGuard> busy;
-    if (!nested)
-        busy.emplace(*this);
     for (const QString& path : files) {
         if (quitting)
             return;
@@ -141,8 +139,6 @@ void MainWindow::AddFilesToList(const QStringList& files, bool nested)
         audioFiles.Append(tagManager.ReadFile(path));
         QCoreApplication::processEvents();
     }
-    if (!nested)
-        SynchronizeListAudioFiles(true);
 }
 
 /// Rebuilds the rows from the records. The current row stays; no row is selected afterwards. @p showProgress: the
@@ -190,14 +186,13 @@ void MainWindow::dropEvent(QDropEvent* event)
         else if (info.isDir())
             folders += info.absoluteFilePath();
     }
-    if (!folders.isEmpty()) {
-        const BusyGuard busy(*this);
+    if (folders.isEmpty() && files.isEmpty())
+        return;
+    FillList([&] {
         for (const QString& folder : qAsConst(folders))
             AddFolder(folder, true);
-        SynchronizeListAudioFiles(true);
-    }
-    if (!files.isEmpty())
-        AddFilesToList(files, false);
+        AddFilesToList(files);
+    });
 }
 
 void MainWindow::on_listAudioFiles_itemPressed(QListWidgetItem* item)
