@@ -5,10 +5,10 @@
 #include "tags/AudioFileList.h"
 #include "tags/TagManager.h"
 
-#include <QDir>
 #include <QMainWindow>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 class QListWidgetItem;
@@ -101,9 +101,9 @@ private:
     void RefreshInterface();
     void Quit();
 
-    QStringList EntriesBySize(const QString& folder, QDir::Filters filters) const;
+    void FillList(const std::function<void()>& add);
     void AddFolder(QString folder, bool recursive);
-    void AddFilesToList(const QStringList& files, bool nested);
+    void AddFilesToList(const QStringList& files);
     void SynchronizeListAudioFiles(bool showProgress);
     void MakeCurrent(int row);
     bool IsBusy() const;

@@ -4,12 +4,12 @@
 #include "dialogs/DialogSearch.h"
 #include "dialogs/Prompts.h"
 #include "files/FilePath.h"
+#include "files/FolderEntries.h"
 #include "platform/UserSettings.h"
 #include "ui_MainWindow.h"
 
 #include <QCoreApplication>
 #include <QCursor>
-#include <QDirIterator>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileDialog>
@@ -18,12 +18,6 @@
 #include <QMimeData>
 #include <QScopedValueRollback>
 #include <QUrl>
-
-#include <algorithm>
-#include <optional>
-#include <tuple>
-#include <utility>
-#include <vector>
 
 /// The window is busy filling its list for as long as this lives; of nested ones, the outermost decides.
 class MainWindow::BusyGuard
@@ -70,7 +64,7 @@ void MainWindow::OnAddFiles()
                                                             tr("Multimedia files (%1)").arg(masks));
     if (files.isEmpty())
         return;
-    AddFilesToList(files, false);
+    FillList([&] { AddFilesToList(files); });
     OpenSettings().setValue(SettingsKey::addFilesFolder, FolderOf(files.first()));
 }
 
@@ -79,7 +73,7 @@ void MainWindow::OnAddFolder()
     const QString folder = AskForFolder(this, SettingsKey::addFolder);
     if (folder.isEmpty())
         return;
-    AddFolder(folder, false);
+    FillList([&] { AddFolder(folder, false); });
     OpenSettings().setValue(SettingsKey::addFolder, folder);
 }
 
@@ -88,10 +82,10 @@ void MainWindow::OnAddFolderWithSubfolders()
     const QString folder = AskForFolder(this, SettingsKey::addFolder);
     if (folder.isEmpty())
         return;
-    const BusyGuard busy(*this);
-    AddFolder(folder, true);
-    OpenSettings().setValue(SettingsKey::addFolder, folder);
-    SynchronizeListAudioFiles(true);
+    FillList([&] {
+        AddFolder(folder, true);
+        OpenSettings().setValue(SettingsKey::addFolder, folder);
+    });
 }
 
 void MainWindow::OnSearch()
@@ -99,40 +93,21 @@ void MainWindow::OnSearch()
     DialogSearch dialog(nullptr);
     if (dialog.exec() != QDialog::Accepted || dialog.searchPath.isEmpty())
         return;
-    const BusyGuard busy(*this);
-    {
+    FillList([&] {
         const QScopedValueRollback<QStringList> narrowed(extensions, {AudioExtensions().at(dialog.searchMask)});
         AddFolder(dialog.searchPath, dialog.searchSubfolders);
-    }
+    });
+}
+
+/// Keeps the window busy while @p add adds files to the list and the new rows are shown.
+void MainWindow::FillList(const std::function<void()>& add)
+{
+    const BusyGuard busy(*this);
+    add();
     SynchronizeListAudioFiles(true);
 }
 
-/// The paths of the entries of @p folder, which ends in "/", in the order of QDir::Size | QDir::Reversed: the smallest
-/// first, of equal ones the last name. Unlike QDir, it lets the window live while it reads a folder of many thousands.
-QStringList MainWindow::EntriesBySize(const QString& folder, QDir::Filters filters) const
-{
-    constexpr std::size_t entriesPerTurn = 1000;
-    std::vector<std::pair<qint64, QString>> entries;
-    QDirIterator iterator(folder, filters);
-    while (!quitting && iterator.hasNext()) {
-        iterator.next();
-        entries.emplace_back(iterator.fileInfo().size(), iterator.fileName());
-        if (entries.size() % entriesPerTurn == 0)
-            QCoreApplication::processEvents();
-    }
-    QCoreApplication::processEvents();
-    std::sort(entries.begin(), entries.end(), [](const auto& left, const auto& right) {
-        return std::tie(left.first, right.second) < std::tie(right.first, left.second);
-    });
-
-    QStringList paths;
-    for (const auto& [size, name] : entries)
-        paths += folder + name;
-    return paths;
-}
-
-/// Adds the files of @p folder, smallest first, then those of its subfolders in the same order. A recursive walk is
-/// part of a larger change: its caller rebuilds the rows.
+/// Adds the files of @p folder, smallest first, then those of its subfolders in the same order.
 void MainWindow::AddFolder(QString folder, bool recursive)
 {
     if (folder.isEmpty() || quitting)
@@ -141,22 +116,21 @@ void MainWindow::AddFolder(QString folder, bool recursive)
     if (!folder.endsWith(QLatin1Char('/')))
         folder += QLatin1Char('/');
 
-    const BusyGuard busy(*this);
-    AddFilesToList(EntriesBySize(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks), recursive);
+    const auto goOn = [this] {
+        QCoreApplication::processEvents();
+        return !quitting;
+    };
+    AddFilesToList(EntriesBySize(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks, goOn));
     if (!recursive)
         return;
     // Links to folders are followed, hidden folders are not entered: on purpose.
-    for (const QString& subfolder : EntriesBySize(folder, QDir::Dirs | QDir::NoDotAndDotDot))
+    for (const QString& subfolder : EntriesBySize(folder, QDir::Dirs | QDir::NoDotAndDotDot, goOn))
         AddFolder(subfolder, true);
 }
 
-/// Reads and appends those of @p files that are of an accepted type and not listed yet. @p nested: the caller keeps
-/// the window busy and rebuilds the rows.
-void MainWindow::AddFilesToList(const QStringList& files, bool nested)
+/// Reads and appends those of @p files that are of an accepted type and not listed yet.
+void MainWindow::AddFilesToList(const QStringList& files)
 {
-    std::optional<BusyGuard> busy;
-    if (!nested)
-        busy.emplace(*this);
     for (const QString& path : files) {
         if (quitting)
             return;
@@ -165,8 +139,6 @@ void MainWindow::AddFilesToList(const QStringList& files, bool nested)
         audioFiles.Append(tagManager.ReadFile(path));
         QCoreApplication::processEvents();
     }
-    if (!nested)
-        SynchronizeListAudioFiles(true);
 }
 
 /// Rebuilds the rows from the records. The current row stays; no row is selected afterwards. @p showProgress: the
@@ -214,14 +186,13 @@ void MainWindow::dropEvent(QDropEvent* event)
         else if (info.isDir())
             folders += info.absoluteFilePath();
     }
-    if (!folders.isEmpty()) {
-        const BusyGuard busy(*this);
+    if (folders.isEmpty() && files.isEmpty())
+        return;
+    FillList([&] {
         for (const QString& folder : qAsConst(folders))
             AddFolder(folder, true);
-        SynchronizeListAudioFiles(true);
-    }
-    if (!files.isEmpty())
-        AddFilesToList(files, false);
+        AddFilesToList(files);
+    });
 }
 
 void MainWindow::on_listAudioFiles_itemPressed(QListWidgetItem* item)

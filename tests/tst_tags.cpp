@@ -1,5 +1,7 @@
 #include "demo/AudioSamples.h"
 #include "files/FilePath.h"
+#include "files/FolderEntries.h"
+#include "tags/AudioFileList.h"
 #include "tags/TagManager.h"
 #include "tags/TagTextRules.h"
 
@@ -66,6 +68,35 @@ private slots:
             file.*tag.field = *tag.absent ? "" : "0"; // what is missing for the other kind
             QVERIFY2(!IsIncomplete(file), tag.name);
         }
+    }
+
+    void entriesBySize()
+    {
+        const QTemporaryDir folder;
+        const auto entries = [&folder](int turns) {
+            const auto goOn = [&turns] { return turns-- > 0; };
+            const QStringList paths = EntriesBySize(folder.path() + '/', QDir::Files | QDir::Hidden, goOn);
+            return paths.join('|').remove(folder.path());
+        };
+        for (const char* name : {"a", "b", ".c", "d"})
+            QVERIFY(QFile(folder.filePath(name)).open(QIODevice::WriteOnly));
+        QVERIFY(QFile::resize(folder.filePath("a"), 2) && QFile::resize(folder.filePath("b"), 1));
+        QCOMPARE(entries(1), QString("/d|/.c|/b|/a")); // the smallest first, of equal ones the last name
+        QCOMPARE(entries(0), QString());
+        for (int i = 0; i < 1000; ++i)
+            QVERIFY(QFile(folder.filePath(QString("%1.mp3").arg(i))).open(QIODevice::WriteOnly));
+        QVERIFY(entries(1).isEmpty() && entries(2).count('|') == 1003); // asks while it reads, too
+    }
+
+    void listFindsItsRecords()
+    {
+        AudioFileList list;
+        for (const char* path : {"/a", "/b", "/c"})
+            list.Append({"", "", "", "0", "", "0", path});
+        list.Remove(0);
+        list.Remove(2);
+        QVERIFY(list.Count() == 2 && list.RowOf("/a") == -1 && list.RowOf("/b") == 0 && list.RowOf("/c") == 1);
+        QVERIFY(list.Contains("/c") && !list.Contains("/C") && !list.IsRow(2) && !list.IsRow(-1));
     }
 
     void readsAndWritesEveryType()
