@@ -129,7 +129,9 @@ bool TagManager::SetTags(const TagValues& values) const
             Write(*tag, access, text);
             changed = true;
         }
-        if (!changed || !file.save() || stream.Save() != EditedFile::Saved::GivenWay)
+        // What TagLib itself could not read afterwards is not saved: a text too long for its format, for example.
+        if (!changed || !file.save() || !TagOf(CreateFileRef(stream, false)) ||
+            stream.Save() != EditedFile::Saved::GivenWay)
             break;
     }
     return true;

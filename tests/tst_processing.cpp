@@ -113,7 +113,9 @@ private slots:
         row("an output folder that is a file", "0 1 in/x.mp3 delete", "in/x.mp3", "in/x.mp3", "x.mp3");
         row("first come, first served", "0 1 out delete", "in/x.mp3|in/y.mp3", "out/T.mp3", "", "", "1 2");
         row("no such layout", "16 1 out delete", "in/x.mp3", "in/x.mp3", "", "", "");
-        row("no such name", "0 -1 out delete", "in/x.mp3|in/y.mp3", "in/x.mp3|in/y.mp3|out/.mp3", "", "", "1 2");
+        row("no such name", "0 7 out delete", "in/x.mp3|in/y.mp3", "in/x.mp3|in/y.mp3|out/.mp3", "", "", "1 2");
+        row("nothing left of names", "1 1 out delete", "in/1.mp3;Title=?|in/2.mp3;Title=...|in/3.mp3;Title=***",
+            "in/1.mp3|in/2.mp3|in/3.mp3|out/A/.mp3", "", "", "1 2 3");
         for (const char* output : {"in", "in/", "in/../in/.", "link"})
             row(output, QByteArray("0 0 ").append(output).append(" delete"), "in/x.mp3", "in/x.mp3");
         row("in place, empty level", "14 0 in delete", "in/x.mp3;Album=...", "in/x.mp3");
@@ -175,6 +177,25 @@ private slots:
         QCOMPARE(worker->failedPaths.join(' ').remove(In("in/")), QString("1.mp3 2.mp3 4.mp3"));
         QCOMPARE(Tree().join(' '), QString("in/1.mp3 in/2.mp3 in/5.mp3 out/linked.mp3"));
         QVERIFY(worker->files.isEmpty());
+    }
+
+    void whatHasChangedSinceItWasCopiedStays()
+    {
+        worker->settings = {0, 0, {}, false, false, true, In("out"), true};
+        for (const char* file : {"in/1.mp3", "in/2.mp3", "in/3.mp3", "in/4.mp3"})
+            Add(file);
+        connect(
+            worker.get(), &ProcessThread::SetProgress, worker.get(),
+            [this](int handled) {
+                QFile source(In("in/1.mp3"));
+                if (handled == 4)
+                    QVERIFY(source.open(QIODevice::Append) && source.putChar('X') && QFile::remove(In("out/2.mp3")) &&
+                            QFile::resize(In("out/3.mp3"), 100));
+            },
+            Qt::DirectConnection);
+        Run();
+        QCOMPARE(worker->failedPaths.join(' ').remove(In("in/")), QString("1.mp3 2.mp3 3.mp3"));
+        QCOMPARE(Tree().join(' '), QString("in/1.mp3 in/2.mp3 in/3.mp3 out/1.mp3 out/3.mp3 out/4.mp3"));
     }
 
     void copiesAreTrueAndStayInside()

@@ -118,6 +118,13 @@ private slots:
                             PutSample("bare." + extension, folder.filePath("x." + extension))};
             tags.WriteFile(file);
             QCOMPARE(Texts(tags.ReadFile(file.Path)), Texts(file));
+            // Its content says what it is, whatever its name says.
+            const QString name = extension + (extension == "wv" ? ".mp3" : ".wv");
+            SAudioFile misnamed = file;
+            misnamed.Path = PutSample("bare." + extension, folder.filePath(name));
+            tags.WriteFile(misnamed);
+            QVERIFY2(Bytes(misnamed.Path) == Bytes(file.Path), qPrintable(name));
+            tags.path = file.Path;
 
             QVERIFY(tags.SetInfo(Tag::Year, "abc") && tags.SetInfo(Tag::Track, "3 of 12") &&
                     tags.SetInfo(Tag::Genre, ""));
@@ -137,7 +144,7 @@ private slots:
         QVERIFY(tags.SetInfo(Tag::Title, "by way of the link"));
         QVERIFY(QFileInfo(tags.path).isSymLink() && QFileInfo(tags.path).permissions() == permissions);
         QCOMPARE(tags.ReadFile(folder.filePath("x.mp3")).Title, QString("by way of the link"));
-        QCOMPARE(QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 11);
+        QCOMPARE(QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 21);
     }
 
     void equalTextsLeaveTheFileAlone()
@@ -181,7 +188,12 @@ private slots:
         QFile text(folder.filePath("notes.txt"));
         QVERIFY(text.open(QIODevice::WriteOnly) && text.write("no music") > 0);
         text.close();
-        for (const char* name : {"missing.mp3", "folder.mp3", "notes.txt"}) {
+        const QString zeros = PutSample("full.mp3", folder.filePath("zeros.mp3")); // made, but not filled yet
+        QFile preallocated(zeros);
+        QVERIFY(preallocated.open(QIODevice::WriteOnly) && preallocated.resize(4 << 20) && preallocated.seek(4 << 20));
+        preallocated.write(Bytes(TEST_DATA_DIR "/full.mp3"));
+        preallocated.close();
+        for (const char* name : {"missing.mp3", "folder.mp3", "notes.txt", "zeros.mp3"}) {
             QCOMPARE(Texts(tags.ReadFile(folder.filePath(name))), unreadable);
             QVERIFY(!tags.SetInfo(Tag::Title, "x"));
         }
