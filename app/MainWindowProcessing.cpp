@@ -89,7 +89,7 @@ void MainWindow::ReportRun()
         return;
     }
     QString report = worker.failureText;
-    if (report == failureHeading) {
+    if (worker.failedPaths.isEmpty()) { // after Abort, too, by our decision
         const QString success = tr("Operation finished successfully!");
         Inform(success);
         report = success + QLatin1Char('\n');

@@ -67,7 +67,7 @@ void MainWindow::ShowDialogEditTag()
 {
     DialogEditTags dialog(this, worker.settings.AsksAboutEveryFile() ? DialogEditTags::RepairEvery
                                                                      : DialogEditTags::RepairIncomplete);
-    dialog.SetFile(worker.AwaitRequest());
+    dialog.SetFile(worker.editedFile);
     const int result = dialog.exec();
     if (result == QDialog::Accepted)
         worker.editedFile = dialog.File();

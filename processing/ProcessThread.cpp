@@ -67,7 +67,7 @@ ProcessThread::~ProcessThread()
 
 void ProcessThread::Init()
 {
-    failureText = failureHeading;
+    failureText = QStringLiteral("Could not copy the following:\n\n");
     waitingForDialog = false;
     dialogResult = -1;
     outputPaths.clear();
@@ -81,14 +81,6 @@ QString ProcessThread::GenerateFilename(int index) const
     return BuildFileName(files.at(index), settings.renameIndex, settings.customRenameScheme);
 }
 
-SAudioFile ProcessThread::AwaitRequest() const
-{
-    // The worker raises the flag just after it has asked; an answer must not overtake it.
-    while (!waitingForDialog && isRunning())
-        yieldCurrentThread();
-    return editedFile;
-}
-
 void ProcessThread::AnswerDialog(int result)
 {
     dialogResult = result;
@@ -98,40 +90,40 @@ void ProcessThread::AnswerDialog(int result)
 void ProcessThread::run()
 {
     Init();
-    Process();
+    end = Process();
     // No request outlives its run, and whoever sees the flag cleared sees the results, too.
     waitingForDialog = false;
 }
 
-void ProcessThread::Process()
+RunEnd ProcessThread::Process()
 {
-    if (!FixTags())
-        return;
+    const RunEnd fixing = FixTags();
+    if (fixing != RunEnd::Complete)
+        return fixing;
     if (settings.skipOrganize) {
         emit SetProgress(files.size());
-        return;
+        return RunEnd::Complete;
     }
     if (!IsOrganizeChoice(settings.organizeBy))
-        return; // nothing is copied, so there are no originals to delete
+        return RunEnd::Complete; // nothing is copied, so there are no originals to delete
     CreateFolders();
-    CopyFiles();
-    if (settings.deleteOriginal)
-        DeleteOriginals();
+    const RunEnd copying = CopyFiles();
+    return copying == RunEnd::Complete && settings.deleteOriginal ? DeleteOriginals() : copying;
 }
 
-/// @return false when the user aborted or the run was interrupted.
-bool ProcessThread::FixTags()
+RunEnd ProcessThread::FixTags()
 {
     for (SAudioFile& file : files) {
         if (isInterruptionRequested())
-            return false;
+            return RunEnd::Interrupted;
         if (!settings.AsksAboutEveryFile() && !IsIncomplete(file))
             continue;
         const bool askUser = settings.fixManually || FixFromFileName(file);
-        if (askUser && !AskUser(file))
-            return false;
+        const RunEnd asking = askUser ? AskUser(file) : RunEnd::Complete;
+        if (asking != RunEnd::Complete)
+            return asking;
     }
-    return true;
+    return RunEnd::Complete;
 }
 
 /// Fills a missing artist and title from a file name like "Artist-Title", else a missing title from all of it.
@@ -167,26 +159,25 @@ bool ProcessThread::FixFromFileName(SAudioFile& file)
     return incomplete;
 }
 
-/// @return false when the user aborted or the run was interrupted.
-bool ProcessThread::AskUser(SAudioFile& file)
+RunEnd ProcessThread::AskUser(SAudioFile& file)
 {
     editedFile = file;
+    waitingForDialog = true; // before the request: an answer must not overtake it
     emit ShowEditTagDialog();
-    waitingForDialog = true;
     while (waitingForDialog) {
         if (isInterruptionRequested())
-            return false;
+            return RunEnd::Interrupted;
         msleep(dialogPollInterval);
     }
     if (dialogResult != 1)
-        return false;
+        return RunEnd::Aborted;
 
     tagManager.WriteFile(editedFile);
     if (!settings.skipOrganize) {
         PutNamingPlaceholders(editedFile);
         file = editedFile;
     }
-    return true;
+    return RunEnd::Complete;
 }
 
 /// Makes one folder for each distinct combination of tags, and notes those that are not ours to write into; what
@@ -218,10 +209,12 @@ void ProcessThread::CreateFolders()
     }
 }
 
-void ProcessThread::CopyFiles()
+RunEnd ProcessThread::CopyFiles()
 {
     originals.resize(static_cast<std::size_t>(files.size()));
-    for (int i = 0; i < files.size() && !isInterruptionRequested(); ++i) {
+    for (int i = 0; i < files.size(); ++i) {
+        if (isInterruptionRequested())
+            return RunEnd::Interrupted;
         const QString name = GenerateFilename(i);
         // A blunt test on purpose: it refuses a real title with this word in it, too.
         const bool refused = name.contains(unknownTag);
@@ -235,6 +228,7 @@ void ProcessThread::CopyFiles()
         if (!refused || settings.organizeBy != 0)
             emit SetProgress(i + 1);
     }
+    return RunEnd::Complete;
 }
 
 void ProcessThread::CopyToTree(int index, const QString& name)
@@ -281,7 +275,7 @@ bool ProcessThread::IsProvenCopy(const SOriginal& original, const SFileFacts& no
 
 /// Removes every source that was copied, or whose destination was another file all along. A source that is its own
 /// destination stays, however its path is spelled, and so does one that has changed since it was copied.
-void ProcessThread::DeleteOriginals()
+RunEnd ProcessThread::DeleteOriginals()
 {
     const QList<QString> paths = outputPaths + failedPaths;
     const QSet<QString> keptPaths(paths.begin(), paths.end());
@@ -294,7 +288,7 @@ void ProcessThread::DeleteOriginals()
 
     for (int i = 0; i < files.size(); ++i) {
         if (isInterruptionRequested())
-            return;
+            return RunEnd::Interrupted;
         const QString& path = files.at(i).Path;
         const SOriginal& original = originals.at(static_cast<std::size_t>(i));
         const auto now = FactsOf(path);
@@ -313,4 +307,5 @@ void ProcessThread::DeleteOriginals()
         QFile::remove(path);
     }
     files.clear();
+    return RunEnd::Complete;
 }

@@ -13,6 +13,13 @@
 #include <atomic>
 #include <vector>
 
+/// How a run ended.
+enum class RunEnd {
+    Complete,
+    Aborted,    ///< by the user, in the tag editor
+    Interrupted ///< because the program ends
+};
+
 /// The worker: one run over its own copy of the file list. It repairs and writes tags, copies every file into the
 /// output tree and may delete the originals. Fill `files` and `settings`, start it, and read the results once it has
 /// finished; while it runs, nothing but the hand-off below may be written, and only `settings` read.
@@ -32,8 +39,6 @@ public:
     /// The new name, without extension, of `files[index]`.
     QString GenerateFilename(int index) const;
 
-    /// Interface thread, on ShowEditTagDialog(): the file that the worker asks about.
-    SAudioFile AwaitRequest() const;
     /// Interface thread: hands the tag editor's result to the waiting worker, once `editedFile` holds the user's tags.
     void AnswerDialog(int result);
 
@@ -41,6 +46,7 @@ public:
     TagManager tagManager;
     SRunSettings settings; ///< settings.outputFolder has no trailing "/" here
 
+    RunEnd end = RunEnd::Complete;
     QString failureText; ///< what could not be copied: a heading, then one source path a line
 
     /// The hand-off: the worker fills the record and waits while the flag is set. The interface thread writes the
@@ -62,15 +68,15 @@ protected:
     void run() override;
 
 private:
-    void Process();
-    bool FixTags();
+    RunEnd Process();
+    RunEnd FixTags();
     bool FixFromFileName(SAudioFile& file);
-    bool AskUser(SAudioFile& file);
+    RunEnd AskUser(SAudioFile& file);
     void CreateFolders();
-    void CopyFiles();
+    RunEnd CopyFiles();
     void CopyToTree(int index, const QString& name);
     void RecordFailure(const QString& sourcePath);
-    void DeleteOriginals();
+    RunEnd DeleteOriginals();
 
     /// Why the source of one row may be deleted, if it may.
     struct SOriginal
@@ -85,6 +91,3 @@ private:
     std::vector<SOriginal> originals;    ///< by row
     QSet<QStringList> foldersLeadingOut; ///< tags whose folder is not ours to write into
 };
-
-/// What `failureText` holds as long as nothing has failed.
-inline const QString failureHeading = QStringLiteral("Could not copy the following:\n\n");

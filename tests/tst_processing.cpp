@@ -50,7 +50,6 @@ private:
         connect(worker.get(), &ProcessThread::SetProgress, &context,
                 [this](int handled) { progress += QString::number(handled); });
         connect(worker.get(), &ProcessThread::ShowEditTagDialog, &context, [this, answer] {
-            worker->editedFile = worker->AwaitRequest();
             asked += QDir(In("in")).relativeFilePath(worker->editedFile.Path);
             if (answer == "edit")
                 worker->editedFile.Title += '!';
@@ -143,6 +142,7 @@ private slots:
 
         QTEST(Tree().join('|'), "tree");
         QTEST(asked.join('|'), "asked");
+        QVERIFY(worker->end == (words.value(3) == "abort" ? RunEnd::Aborted : RunEnd::Complete));
         QTEST(progress.join(' '), "progress");
         QString report = "Could not copy the following:\n\n";
         for (const QString& name : failed.split('|', Qt::SkipEmptyParts))
@@ -259,6 +259,7 @@ private slots:
             },
             Qt::DirectConnection);
         Run();
+        QVERIFY(worker->end == RunEnd::Interrupted);
         QCOMPARE(Tree().filter("in/").size(), 9);
         QCOMPARE(Tree().filter("out/").size(), 5);
     }
