@@ -13,25 +13,18 @@ namespace
 {
 constexpr unsigned long dialogPollInterval = 50; // milliseconds
 
-/// What stands for a missing tag in folder and file names, once the user has left it missing.
-QString NamingPlaceholder(const STag& tag)
-{
-    const bool refusesTheFile = tag.index == Tag::Artist || tag.index == Tag::Title;
-    return refusesTheFile ? unknownTag : QString::fromLatin1(tag.name);
-}
-
 void PutNamingPlaceholders(SAudioFile& file)
 {
     for (const STag& tag : allTags) {
         if (file.*tag.field == QLatin1String(tag.absent))
-            file.*tag.field = NamingPlaceholder(tag);
+            file.*tag.field = QLatin1String(tag.standIn);
     }
 }
 
 void TakeNamingPlaceholdersBack(SAudioFile& file)
 {
     for (const STag& tag : allTags) {
-        if (file.*tag.field == NamingPlaceholder(tag))
+        if (file.*tag.field == QLatin1String(tag.standIn))
             file.*tag.field = QLatin1String(tag.absent);
     }
 }
