@@ -1,6 +1,7 @@
 #include "naming/OutputPath.h"
 
 #include "files/FilePath.h"
+#include "naming/StandIns.h"
 #include "tags/TagTextRules.h"
 
 namespace
@@ -92,13 +93,7 @@ QString BuildFolderPath(const QString& outputFolder, const QStringList& folderTa
 
 QString BuildPreviewFileName(SAudioFile file, const SRunSettings& settings)
 {
-    for (const STag& tag : allTags) {
-        // A missing track stays "0" while a missing year becomes "Year", on purpose.
-        const QLatin1String absent(tag.index == Tag::Track ? "" : tag.absent);
-        QString& text = file.*tag.field;
-        if (text == absent)
-            text = QLatin1String(tag.name);
-    }
+    PutPreviewCaptions(file);
     return BuildFileName(file, settings.renameIndex, settings.customRenameScheme);
 }
 

@@ -2,6 +2,7 @@
 
 #include "files/FilePath.h"
 #include "naming/OutputPath.h"
+#include "naming/StandIns.h"
 #include "processing/FileStatus.h"
 #include "tags/TagTextRules.h"
 
@@ -12,22 +13,6 @@
 namespace
 {
 constexpr unsigned long dialogPollInterval = 50; // milliseconds
-
-void PutNamingPlaceholders(SAudioFile& file)
-{
-    for (const STag& tag : allTags) {
-        if (file.*tag.field == QLatin1String(tag.absent))
-            file.*tag.field = QLatin1String(tag.standIn);
-    }
-}
-
-void TakeNamingPlaceholdersBack(SAudioFile& file)
-{
-    for (const STag& tag : allTags) {
-        if (file.*tag.field == QLatin1String(tag.standIn))
-            file.*tag.field = QLatin1String(tag.absent);
-    }
-}
 
 } // namespace
 
