@@ -117,6 +117,7 @@ private:
     void SignalSettingsChanged();
     void UpdateOutputPreview();
     QString GenerateCurrentFilename() const;
+    void ShowTags(const SAudioFile* file);
     void ClearPreviews();
 
     void EraseInvalidTags();

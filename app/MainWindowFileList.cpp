@@ -178,10 +178,7 @@ void MainWindow::on_listAudioFiles_itemPressed(QListWidgetItem* item)
 /// Makes @p row, which must exist, the current one and shows its tags and its output path.
 void MainWindow::MakeCurrent(int row)
 {
-    QStringList lines;
-    for (const STag& tag : allTags)
-        lines += QLatin1String(tag.name) + QStringLiteral(": ") + audioFiles.At(row).*tag.field;
-    ui->textInfo->setText(lines.join(QLatin1Char('\n')));
+    ShowTags(&audioFiles.At(row));
     currentRow = row;
     UpdateOutputPreview();
 }
