@@ -45,7 +45,10 @@ void MainWindow::OnBatchEditTags()
         return;
     DiscardPlayer();
     DialogEditTags dialog(this, DialogEditTags::EditAll);
-    dialog.SetFile({keptTag, keptTag, keptTag, keptTag, keptTag, keptTag, audioFiles.At(currentRow).Path});
+    SAudioFile shown = audioFiles.At(currentRow);
+    for (const STag& tag : allTags)
+        shown.*tag.field = keptTag;
+    dialog.SetFile(shown);
     if (dialog.exec() != QDialog::Accepted ||
         !AskYesNo(tr("Are you sure you want to apply these tags to all the audio files in the list?")))
         return;
