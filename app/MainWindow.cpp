@@ -1,5 +1,6 @@
 #include "app/MainWindow.h"
 
+#include "app/MainWindowBusy.h"
 #include "dialogs/Prompts.h"
 #include "files/FilePath.h"
 #include "naming/OutputPath.h"

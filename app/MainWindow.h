@@ -90,7 +90,10 @@ private slots:
     void on_actionAbout_triggered();
 
 private:
-    class BusyGuard;
+    /// What the window is doing. Only an idle one takes drops. While files are added and during a run, the menus and
+    /// the settings stay in use; while tags or rows change, nothing takes input, enabled or not.
+    enum class Activity { Idle, Adding, Changing, Running };
+    class ActivityGuard;
 
     static void ChangeTheme();
     void Init();
@@ -106,14 +109,15 @@ private:
     void AddFilesToList(const QStringList& files);
     void SynchronizeListAudioFiles(bool showProgress);
     void MakeCurrent(int row);
-    bool IsBusy() const;
-    void EnterBusyState(const QString& status);
-    void LeaveBusyState();
-    void PumpWithoutInput();
+    void LookBusy(const QString& status);
+    void LookIdle();
+    void BeginStage(const QString& status);
+    [[nodiscard]] bool Pump();
 
     void SignalSettingsChanged();
     void UpdateOutputPreview();
     QString GenerateCurrentFilename() const;
+    void ShowTags(const SAudioFile* file);
     void ClearPreviews();
 
     void EraseInvalidTags();
@@ -141,6 +145,7 @@ private:
     bool unsavedChanges = false;
     QString profilePath;  ///< of the profile last saved or loaded; empty when there is none
     bool loading = false; ///< a profile is being loaded: changes of settings do not count as the user's
-    bool takesDrops = true;
-    bool quitting = false; ///< the user wants to leave: every loop that pumps events ends
+    Activity activity = Activity::Idle;
+    std::unique_ptr<ActivityGuard> run; ///< from Start until the list is reloaded
+    bool quitting = false;              ///< the user wants to leave: every loop that pumps events ends
 };

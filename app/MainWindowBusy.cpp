@@ -1,17 +1,25 @@
-#include "app/MainWindow.h"
+#include "app/MainWindowBusy.h"
 
 #include "ui_MainWindow.h"
 
 #include <QCoreApplication>
-#include <QScopedValueRollback>
 
-/// Whether files are being added or a run is on.
-bool MainWindow::IsBusy() const
+MainWindow::ActivityGuard::ActivityGuard(MainWindow& busyWindow, Activity activity, const QString& status)
+    : window(busyWindow), outer(busyWindow.activity)
 {
-    return !ui->buttonOrganize->isEnabled();
+    window.activity = activity;
+    if (!status.isEmpty())
+        window.LookBusy(status);
 }
 
-void MainWindow::EnterBusyState(const QString& status)
+MainWindow::ActivityGuard::~ActivityGuard()
+{
+    window.activity = outer;
+    if (outer == Activity::Idle)
+        window.LookIdle();
+}
+
+void MainWindow::LookBusy(const QString& status)
 {
     ui->buttonOrganize->setEnabled(false);
     ui->listAudioFiles->setEnabled(false);
@@ -21,7 +29,7 @@ void MainWindow::EnterBusyState(const QString& status)
     ui->textProgress->setText(status);
 }
 
-void MainWindow::LeaveBusyState()
+void MainWindow::LookIdle()
 {
     ui->buttonOrganize->setEnabled(true);
     ui->listAudioFiles->setEnabled(true);
@@ -32,10 +40,18 @@ void MainWindow::LeaveBusyState()
     ui->textProgress->clear();
 }
 
-/// Lets the window live for a turn in the middle of a change during which its controls are enabled: the user must not
-/// start another one in it. Drops are no input to the event loop and are kept out by themselves.
-void MainWindow::PumpWithoutInput()
+/// Another stage of an activity: its status, with the progress bar back at its start.
+void MainWindow::BeginStage(const QString& status)
 {
-    const QScopedValueRollback<bool> noDrops(takesDrops, false);
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    ui->progressOrganize->setValue(0);
+    ui->textProgress->setText(status);
+}
+
+/// Lets the window live for a turn in the middle of an activity. @return whether to go on: not once the user wants to
+/// leave.
+bool MainWindow::Pump()
+{
+    QCoreApplication::processEvents(activity == Activity::Changing ? QEventLoop::ExcludeUserInputEvents
+                                                                   : QEventLoop::AllEvents);
+    return !quitting;
 }

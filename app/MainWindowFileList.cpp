@@ -1,5 +1,6 @@
 #include "app/MainWindow.h"
 
+#include "app/MainWindowBusy.h"
 #include "app/Percentage.h"
 #include "dialogs/DialogSearch.h"
 #include "dialogs/Prompts.h"
@@ -8,7 +9,6 @@
 #include "platform/UserSettings.h"
 #include "ui_MainWindow.h"
 
-#include <QCoreApplication>
 #include <QCursor>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -18,26 +18,6 @@
 #include <QMimeData>
 #include <QScopedValueRollback>
 #include <QUrl>
-
-/// The window is busy filling its list for as long as this lives; of nested ones, the outermost decides.
-class MainWindow::BusyGuard
-{
-public:
-    explicit BusyGuard(MainWindow& busyWindow) : window(busyWindow), outermost(!busyWindow.IsBusy())
-    {
-        window.EnterBusyState(tr("Updating audio file list..."));
-    }
-    ~BusyGuard()
-    {
-        if (outermost)
-            window.LeaveBusyState();
-    }
-    Q_DISABLE_COPY(BusyGuard)
-
-private:
-    MainWindow& window;
-    const bool outermost;
-};
 
 void MainWindow::on_buttonAdd_clicked()
 {
@@ -102,7 +82,7 @@ void MainWindow::OnSearch()
 /// Keeps the window busy while @p add adds files to the list and the new rows are shown.
 void MainWindow::FillList(const std::function<void()>& add)
 {
-    const BusyGuard busy(*this);
+    const ActivityGuard adding(*this, Activity::Adding, tr("Updating audio file list..."));
     add();
     SynchronizeListAudioFiles(true);
 }
@@ -116,10 +96,7 @@ void MainWindow::AddFolder(QString folder, bool recursive)
     if (!folder.endsWith(QLatin1Char('/')))
         folder += QLatin1Char('/');
 
-    const auto goOn = [this] {
-        QCoreApplication::processEvents();
-        return !quitting;
-    };
+    const auto goOn = [this] { return Pump(); };
     AddFilesToList(EntriesBySize(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks, goOn));
     if (!recursive)
         return;
@@ -132,17 +109,15 @@ void MainWindow::AddFolder(QString folder, bool recursive)
 void MainWindow::AddFilesToList(const QStringList& files)
 {
     for (const QString& path : files) {
-        if (quitting)
-            return;
         if (audioFiles.Contains(path) || !extensions.contains(ExtensionOf(path)))
             continue;
         audioFiles.Append(tagManager.ReadFile(path));
-        QCoreApplication::processEvents();
+        if (!Pump())
+            return;
     }
 }
 
-/// Rebuilds the rows from the records. The current row stays; no row is selected afterwards. @p showProgress: the
-/// window is busy; otherwise its controls are enabled, and input is kept out.
+/// Rebuilds the rows from the records. The current row stays; no row is selected afterwards.
 void MainWindow::SynchronizeListAudioFiles(bool showProgress)
 {
     // All rows first, then one turn of the event loop for each: a list lays all its rows out again at the first turn
@@ -153,13 +128,11 @@ void MainWindow::SynchronizeListAudioFiles(bool showProgress)
         ui->listAudioFiles->addItem(new QListWidgetItem(icon, file.Path));
 
     const int count = audioFiles.Count();
-    for (int row = 0; row < count && !quitting; ++row) {
-        if (showProgress) {
+    for (int row = 0; row < count; ++row) {
+        if (showProgress)
             ui->progressOrganize->setValue(Percentage(row, count));
-            QCoreApplication::processEvents();
-        } else {
-            PumpWithoutInput();
-        }
+        if (!Pump())
+            return;
     }
 }
 
@@ -174,7 +147,7 @@ void MainWindow::dropEvent(QDropEvent* event)
     // Whatever the other side proposes, it must not take its files for moved.
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    if (IsBusy() || !takesDrops)
+    if (activity != Activity::Idle)
         return;
 
     QStringList files;
@@ -205,10 +178,7 @@ void MainWindow::on_listAudioFiles_itemPressed(QListWidgetItem* item)
 /// Makes @p row, which must exist, the current one and shows its tags and its output path.
 void MainWindow::MakeCurrent(int row)
 {
-    QStringList lines;
-    for (const STag& tag : allTags)
-        lines += QLatin1String(tag.name) + QStringLiteral(": ") + audioFiles.At(row).*tag.field;
-    ui->textInfo->setText(lines.join(QLatin1Char('\n')));
+    ShowTags(&audioFiles.At(row));
     currentRow = row;
     UpdateOutputPreview();
 }
@@ -222,6 +192,7 @@ void MainWindow::OnRemoveSelected()
 {
     if (currentRow < 0 || !AskYesNo(tr("Are you sure you want to remove the selected file?")))
         return;
+    const ActivityGuard changing(*this, Activity::Changing);
     // The current row stays: it now designates the file that moved up, or none when the last one went.
     audioFiles.Remove(currentRow);
     SynchronizeListAudioFiles(false);
@@ -232,6 +203,7 @@ void MainWindow::OnRemoveAll()
 {
     if (audioFiles.IsEmpty() || !AskYesNo(tr("Are you sure you want to remove all the files in the list?")))
         return;
+    const ActivityGuard changing(*this, Activity::Changing);
     DiscardPlayer();
     audioFiles.Clear();
     currentRow = -1;

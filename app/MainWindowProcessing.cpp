@@ -1,5 +1,6 @@
 #include "app/MainWindow.h"
 
+#include "app/MainWindowBusy.h"
 #include "app/Percentage.h"
 #include "dialogs/DialogSocial.h"
 #include "dialogs/Prompts.h"
@@ -10,7 +11,6 @@
 #include "tags/TagTextRules.h"
 #include "ui_MainWindow.h"
 
-#include <QCoreApplication>
 #include <QDir>
 
 void MainWindow::on_buttonOrganize_clicked()
@@ -25,7 +25,7 @@ void MainWindow::on_buttonOrganize_clicked()
                      "proceeding. Continue?")))
         return;
     DiscardPlayer();
-    EnterBusyState(tr("Erasing invalid tags..."));
+    run = std::make_unique<ActivityGuard>(*this, Activity::Running, tr("Erasing invalid tags..."));
     EraseInvalidTags();
     if (!quitting)
         StartProcessing();
@@ -34,10 +34,9 @@ void MainWindow::on_buttonOrganize_clicked()
 /// Empties every tag that carries a web address, in the list and in the files.
 void MainWindow::EraseInvalidTags()
 {
+    const ActivityGuard changing(*this, Activity::Changing);
     for (int row = 0; row < audioFiles.Count(); ++row) {
-        // The window shows what is going on but takes no input meanwhile.
-        PumpWithoutInput();
-        if (quitting)
+        if (!Pump())
             return;
         SAudioFile file = audioFiles.At(row);
         bool erased = false;
@@ -54,8 +53,7 @@ void MainWindow::EraseInvalidTags()
 
 void MainWindow::StartProcessing()
 {
-    ui->progressOrganize->setValue(0);
-    ui->textProgress->setText(tr("Processing..."));
+    BeginStage(tr("Processing..."));
     worker.files = audioFiles.Records();
     worker.settings = settings;
     while (worker.settings.outputFolder.endsWith(QLatin1Char('/')))
@@ -74,7 +72,7 @@ void MainWindow::ProcessThreadFinished()
         return;
     ReportRun();
     ReloadList();
-    LeaveBusyState();
+    run.reset();
     ClearPreviews();
     if (!quitting && !StoredFlag(SettingsKey::skipSocial))
         DialogSocial(nullptr).exec();
@@ -103,13 +101,11 @@ void MainWindow::ReportRun()
 /// Lists the files that the worker has left, with their tags as they are on disk now.
 void MainWindow::ReloadList()
 {
-    ui->textProgress->setText(tr("Updating audio file list..."));
-    ui->progressOrganize->setValue(0);
+    BeginStage(tr("Updating audio file list..."));
     audioFiles.Clear();
     for (const SAudioFile& file : qAsConst(worker.files)) {
         audioFiles.Append(tagManager.ReadFile(file.Path));
-        QCoreApplication::processEvents();
-        if (quitting)
+        if (!Pump())
             return;
     }
     SynchronizeListAudioFiles(true);

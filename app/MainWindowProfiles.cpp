@@ -25,6 +25,8 @@ QString ProfileFilter()
 }
 } // namespace
 
+/// Shows that the settings are those of the profile @p name: its name in the title, without the mark of unsaved
+/// changes.
 void MainWindow::UpdateAppTitleWithProfile(const QString& name)
 {
     setWindowTitle(QStringLiteral("Orvanto - ") + name);

@@ -110,8 +110,17 @@ void MainWindow::UpdateOutputPreview()
             BuildPreviewPath(audioFiles.At(currentRow), settings, GenerateCurrentFilename()));
 }
 
+/// Shows the tags of @p file in the info panel, a line each; their captions alone when there is no file.
+void MainWindow::ShowTags(const SAudioFile* file)
+{
+    QStringList lines;
+    for (const STag& tag : allTags)
+        lines += QLatin1String(tag.name) + (file ? QStringLiteral(": ") + file->*tag.field : QStringLiteral(":"));
+    ui->textInfo->setText(lines.join(QLatin1Char('\n')));
+}
+
 void MainWindow::ClearPreviews()
 {
-    ui->textInfo->setText(QStringLiteral("Artist:\nTitle:\nAlbum:\nYear:\nGenre:\nTrack:"));
+    ShowTags(nullptr);
     ui->editOutputPreview->clear();
 }

@@ -1,5 +1,6 @@
 #include "app/MainWindow.h"
 
+#include "app/MainWindowBusy.h"
 #include "dialogs/DialogEditTags.h"
 #include "dialogs/Prompts.h"
 #include "ui_MainWindow.h"
@@ -44,21 +45,25 @@ void MainWindow::OnBatchEditTags()
         return;
     DiscardPlayer();
     DialogEditTags dialog(this, DialogEditTags::EditAll);
-    dialog.SetFile({keptTag, keptTag, keptTag, keptTag, keptTag, keptTag, audioFiles.At(currentRow).Path});
+    SAudioFile shown = audioFiles.At(currentRow);
+    for (const STag& tag : allTags)
+        shown.*tag.field = keptTag;
+    dialog.SetFile(shown);
     if (dialog.exec() != QDialog::Accepted ||
         !AskYesNo(tr("Are you sure you want to apply these tags to all the audio files in the list?")))
         return;
 
+    const ActivityGuard changing(*this, Activity::Changing);
     const SAudioFile edited = dialog.File();
-    for (int row = 0; row < audioFiles.Count() && !quitting; ++row) {
+    for (int row = 0; row < audioFiles.Count(); ++row) {
         SAudioFile file = audioFiles.At(row);
         for (const STag& tag : allTags) {
             if (edited.*tag.field != keptTag)
                 file.*tag.field = edited.*tag.field;
         }
         WriteRecord(row, file);
-        // The window repaints between two files but takes no input.
-        PumpWithoutInput();
+        if (!Pump())
+            break;
     }
     RefreshPanel();
 }

@@ -12,6 +12,7 @@
 #include <QMenu>
 
 #include <initializer_list>
+#include <iterator>
 
 namespace
 {
@@ -34,6 +35,7 @@ constexpr SField fields[] = {
     {&SAudioFile::Genre, &DialogEditTags::genre, &Ui_DialogEditTags::editGenre},
     {&SAudioFile::Track, &DialogEditTags::track, &Ui_DialogEditTags::editTrack},
 };
+static_assert(std::size(fields) == allTags.size());
 } // namespace
 
 DialogEditTags::DialogEditTags(QWidget* parent, int mode)

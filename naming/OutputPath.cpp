@@ -1,7 +1,11 @@
 #include "naming/OutputPath.h"
 
 #include "files/FilePath.h"
+#include "naming/StandIns.h"
 #include "tags/TagTextRules.h"
+
+#include <iterator>
+#include <tuple>
 
 namespace
 {
@@ -26,14 +30,8 @@ QString GenerateFileNameFromRenameScheme(const QString& scheme, const QString& a
                                          const QString& album, const QString& year, const QString& genre,
                                          const QString& track)
 {
-    const struct
-    {
-        QLatin1String placeholder;
-        const QString& value;
-    } values[] = {
-        {QLatin1String("[Artist]"), artist}, {QLatin1String("[Title]"), title}, {QLatin1String("[Album]"), album},
-        {QLatin1String("[Year]"), year},     {QLatin1String("[Genre]"), genre}, {QLatin1String("[Track]"), track},
-    };
+    const QString* const values[] = {&artist, &title, &album, &year, &genre, &track}; // in the order of the table
+    static_assert(std::size(values) == allTags.size());
 
     QString result;
     QString token; // from "[" on; empty outside
@@ -45,9 +43,9 @@ QString GenerateFileNameFromRenameScheme(const QString& scheme, const QString& a
         token += character;
         if (character != QLatin1Char(']'))
             continue;
-        for (const auto& candidate : values) {
-            if (token == candidate.placeholder) {
-                token = candidate.value;
+        for (std::size_t i = 0; i < allTags.size(); ++i) {
+            if (token == QLatin1Char('[') + QLatin1String(allTags[i].name) + QLatin1Char(']')) {
+                token = *values[i];
                 break;
             }
         }
@@ -66,8 +64,11 @@ QString BuildFileName(const SAudioFile& file, int renameIndex, const QString& cu
         return StrippedOfReservedChars(BaseNameOf(file.Path));
 
     const QString scheme = renameIndex == customRenameIndex ? customScheme : QString::fromLatin1(choice->scheme);
-    return StrippedOfReservedChars(GenerateFileNameFromRenameScheme(scheme, file.Artist, file.Title, file.Album,
-                                                                    file.Year, file.Genre, file.Track));
+    const auto expand = [&file, &scheme](const auto&... tags) {
+        return GenerateFileNameFromRenameScheme(scheme,
+                                                file.*tags.field...); // the parameters are in the order of the table
+    };
+    return StrippedOfReservedChars(std::apply(expand, allTags));
 }
 
 QStringList FolderTags(const SAudioFile& file, int organizeBy)
@@ -92,13 +93,7 @@ QString BuildFolderPath(const QString& outputFolder, const QStringList& folderTa
 
 QString BuildPreviewFileName(SAudioFile file, const SRunSettings& settings)
 {
-    for (const STag& tag : allTags) {
-        // A missing track stays "0" while a missing year becomes "Year", on purpose.
-        const QLatin1String absent(tag.index == Tag::Track ? "" : tag.absent);
-        QString& text = file.*tag.field;
-        if (text == absent)
-            text = QLatin1String(tag.name);
-    }
+    PutPreviewCaptions(file);
     return BuildFileName(file, settings.renameIndex, settings.customRenameScheme);
 }
 

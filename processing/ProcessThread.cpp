@@ -3,6 +3,7 @@
 #include "files/CopyFile.h"
 #include "files/FilePath.h"
 #include "naming/OutputPath.h"
+#include "naming/StandIns.h"
 #include "tags/TagTextRules.h"
 
 #include <QDir>
@@ -12,29 +13,6 @@
 namespace
 {
 constexpr unsigned long dialogPollInterval = 50; // milliseconds
-
-/// What stands for a missing tag in folder and file names, once the user has left it missing.
-QString NamingPlaceholder(const STag& tag)
-{
-    const bool refusesTheFile = tag.index == Tag::Artist || tag.index == Tag::Title;
-    return refusesTheFile ? unknownTag : QString::fromLatin1(tag.name);
-}
-
-void PutNamingPlaceholders(SAudioFile& file)
-{
-    for (const STag& tag : allTags) {
-        if (file.*tag.field == QLatin1String(tag.absent))
-            file.*tag.field = NamingPlaceholder(tag);
-    }
-}
-
-void TakeNamingPlaceholdersBack(SAudioFile& file)
-{
-    for (const STag& tag : allTags) {
-        if (file.*tag.field == NamingPlaceholder(tag))
-            file.*tag.field = QLatin1String(tag.absent);
-    }
-}
 
 /// Whether a folder named by these tags is, or lies behind, a link that leads out of @p outputFolder, or nowhere yet.
 bool LeadsOut(const QString& outputFolder, const QStringList& folderTags)

@@ -25,21 +25,25 @@ namespace Tag
 enum Index { Artist = 1, Title, Album, Year, Genre, Track };
 }
 
+/// What each tag of a file reads as that cannot be read or carries no tags. A name with this text in it is refused.
+constexpr char unknownText[] = "Unknown";
+
 /// What the program knows of one tag.
 struct STag
 {
-    int index;          ///< its Tag::Index
-    const char* name;   ///< its caption; also the placeholder that stands for it in a preview
-    TagField field;     ///< where a record keeps it
-    const char* absent; ///< the text that a file without this tag reads as
+    int index;           ///< its Tag::Index
+    const char* name;    ///< its caption; in a preview, it also stands for the tag where that is missing
+    TagField field;      ///< where a record keeps it
+    const char* absent;  ///< the text that a file without this tag reads as
+    const char* standIn; ///< what folders and files are named after once the user has left the tag missing
 };
 
 /// The six tags in the order of their index, which is also the order in which they are shown.
 constexpr std::array<STag, 6> allTags{{
-    {Tag::Artist, "Artist", &SAudioFile::Artist, ""},
-    {Tag::Title, "Title", &SAudioFile::Title, ""},
-    {Tag::Album, "Album", &SAudioFile::Album, ""},
-    {Tag::Year, "Year", &SAudioFile::Year, "0"},
-    {Tag::Genre, "Genre", &SAudioFile::Genre, ""},
-    {Tag::Track, "Track", &SAudioFile::Track, "0"},
+    {Tag::Artist, "Artist", &SAudioFile::Artist, "", unknownText},
+    {Tag::Title, "Title", &SAudioFile::Title, "", unknownText},
+    {Tag::Album, "Album", &SAudioFile::Album, "", "Album"},
+    {Tag::Year, "Year", &SAudioFile::Year, "0", "Year"},
+    {Tag::Genre, "Genre", &SAudioFile::Genre, "", "Genre"},
+    {Tag::Track, "Track", &SAudioFile::Track, "0", "Track"},
 }};

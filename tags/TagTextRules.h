@@ -4,8 +4,8 @@
 
 #include <QString>
 
-/// What stands for each tag of a file that cannot be read or carries no tags.
-inline const QString unknownTag = QStringLiteral("Unknown");
+/// What each tag of a file reads as that cannot be read or carries no tags.
+inline const QString unknownTag = QLatin1String(unknownText);
 
 /// Whether @p text carries a web address: spam, to be erased. Case-sensitive and a plain substring test on purpose.
 bool IsInvalidTag(const QString& text);

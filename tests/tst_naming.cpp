@@ -1,5 +1,6 @@
 #include "naming/OutputPath.h"
 #include "naming/ProfileText.h"
+#include "naming/StandIns.h"
 
 #include <QBuffer>
 #include <QtTest>
@@ -87,6 +88,20 @@ private slots:
                                  {"[Year]%1[", "[Album]%1["}}; // inserted values are not expanded again
         for (const auto& [scheme, name] : rows)
             QCOMPARE(GenerateFileNameFromRenameScheme(scheme, "A", "T", "", "[Album]", "G", "5"), QString(name));
+    }
+
+    void standIns()
+    {
+        const auto names = [](const SAudioFile& file) {
+            return BuildFileName(file, customRenameIndex, "[Artist]-[Title]-[Album]-[Year]-[Genre]-[Track]");
+        };
+        SAudioFile file = untagged;
+        PutNamingPlaceholders(file);
+        QCOMPARE(names(file), QString("Unknown-Unknown-Album-Year-Genre-Track"));
+        TakeNamingPlaceholdersBack(file);
+        QCOMPARE(names(file), QString("---0--0"));
+        PutPreviewCaptions(file);
+        QCOMPARE(names(file), QString("Artist-Title-Album-Year-Genre-0"));
     }
 
     void oddities()
