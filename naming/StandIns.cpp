@@ -1,6 +1,6 @@
 #include "naming/StandIns.h"
 
-void PutNamingPlaceholders(SAudioFile& file)
+void PutStandIns(SAudioFile& file)
 {
     for (const STag& tag : allTags) {
         if (file.*tag.field == QLatin1String(tag.absent))
@@ -8,7 +8,7 @@ void PutNamingPlaceholders(SAudioFile& file)
     }
 }
 
-void TakeNamingPlaceholdersBack(SAudioFile& file)
+void TakeStandInsBack(SAudioFile& file)
 {
     for (const STag& tag : allTags) {
         if (file.*tag.field == QLatin1String(tag.standIn))

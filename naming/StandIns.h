@@ -6,9 +6,9 @@
 
 /// The worker's rule, once the user has left tags missing: each absent tag becomes its stand-in. That of the artist and
 /// of the title makes the name one that is refused.
-void PutNamingPlaceholders(SAudioFile& file);
+void PutStandIns(SAudioFile& file);
 /// Undoes it in a file that is refused: a tag that reads as its stand-in becomes absent.
-void TakeNamingPlaceholdersBack(SAudioFile& file);
+void TakeStandInsBack(SAudioFile& file);
 
 /// The preview's rule: a missing tag shows as its caption, but a missing track stays "0".
 void PutPreviewCaptions(SAudioFile& file);

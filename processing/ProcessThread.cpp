@@ -152,7 +152,7 @@ RunEnd ProcessThread::AskUser(SAudioFile& file)
 
     tagManager.WriteFile(editedFile);
     if (!settings.skipOrganize) {
-        PutNamingPlaceholders(editedFile);
+        PutStandIns(editedFile);
         file = editedFile;
     }
     return RunEnd::Complete;
@@ -198,7 +198,7 @@ RunEnd ProcessThread::CopyFiles()
         const bool refused = name.contains(unknownTag);
         if (refused) {
             RecordFailure(files.at(i).Path);
-            TakeNamingPlaceholdersBack(files[i]);
+            TakeStandInsBack(files[i]);
         } else {
             CopyToTree(i, name);
         }

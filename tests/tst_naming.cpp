@@ -96,9 +96,9 @@ private slots:
             return BuildFileName(file, customRenameIndex, "[Artist]-[Title]-[Album]-[Year]-[Genre]-[Track]");
         };
         SAudioFile file = untagged;
-        PutNamingPlaceholders(file);
+        PutStandIns(file);
         QCOMPARE(names(file), QString("Unknown-Unknown-Album-Year-Genre-Track"));
-        TakeNamingPlaceholdersBack(file);
+        TakeStandInsBack(file);
         QCOMPARE(names(file), QString("---0--0"));
         PutPreviewCaptions(file);
         QCOMPARE(names(file), QString("Artist-Title-Album-Year-Genre-0"));
