@@ -7,7 +7,7 @@
 #include <algorithm>
 
 EditedFile::EditedFile(const QString& filePath)
-    : path(QFileInfo(filePath).canonicalFilePath()), original(path, O_RDONLY), facts(original.Facts())
+    : path(filePath), original(path, O_RDONLY), facts(original.Facts())
 {
     if (IsOpen() && facts->size > 0) {
         size = facts->size;
@@ -192,7 +192,7 @@ EditedFile::Saved EditedFile::Patch(FileHandle& target)
 EditedFile::Saved EditedFile::Rewrite()
 {
     const auto always = [] { return true; };
-    NewFile copy(path);
+    NewFile copy(QFileInfo(path).canonicalFilePath()); // a link stays one
     bool written = copy.IsOpen();
     for (const SPiece& piece : pieces) {
         written = written && (piece.IsNew() ? copy.Append(piece.bytes)
