@@ -11,10 +11,25 @@ ListAudioFiles::ListAudioFiles(QWidget* parent) : QListWidget(parent), watermark
         connect(bar, &QScrollBar::valueChanged, viewport(), QOverload<>::of(&QWidget::update));
 }
 
+QItemSelectionModel::SelectionFlags ListAudioFiles::selectionCommand(const QModelIndex& index,
+                                                                     const QEvent* event) const
+{
+    // Ctrl would unselect a row whose file stays the current one of the window.
+    const QItemSelectionModel::SelectionFlags command = QListWidget::selectionCommand(index, event);
+    return command & QItemSelectionModel::Deselect ? QItemSelectionModel::NoUpdate : command;
+}
+
 void ListAudioFiles::keyPressEvent(QKeyEvent* event)
 {
     const QList<QListWidgetItem*> before = selectedItems();
-    QListWidget::keyPressEvent(event);
+    const int key = event->key();
+    const bool isStep = key == Qt::Key_Up || key == Qt::Key_Down;
+    const bool isLeap = key == Qt::Key_Home || key == Qt::Key_End || key == Qt::Key_PageUp || key == Qt::Key_PageDown;
+    // The row with the focus may not be selected yet: then a step selects it, and so does a leap that ends there.
+    if (!isStep || !before.isEmpty() || !currentItem())
+        QListWidget::keyPressEvent(event);
+    if ((isStep || isLeap) && selectedItems().isEmpty() && currentItem())
+        currentItem()->setSelected(true);
     const QList<QListWidgetItem*> now = selectedItems();
     if (!now.isEmpty() && now != before)
         emit itemPressed(now.first());
