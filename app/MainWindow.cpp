@@ -12,6 +12,8 @@
 #include <QMediaPlayer>
 #include <QMenu>
 #include <QPalette>
+#include <QScrollBar>
+#include <QShortcut>
 #include <QStyleFactory>
 
 #include <initializer_list>
@@ -101,6 +103,7 @@ void MainWindow::Init()
     FillCombos();
     ResetInterface();
     CreatePopupMenus();
+    BindKeys();
 }
 
 void MainWindow::FillCombos()
@@ -127,6 +130,24 @@ void MainWindow::CreatePopupMenus()
     listMenu->addAction(tr("Batch Edit Tags"), this, &MainWindow::OnBatchEditTags);
     listMenu->addSeparator();
     listMenu->addAction(tr("Remove"), this, &MainWindow::OnRemoveFile);
+}
+
+/// What a mouse does by pointing. The menus' own shortcuts stand in the form.
+void MainWindow::BindKeys()
+{
+    for (const QKeySequence& keys : {QKeySequence(Qt::Key_Menu), QKeySequence(Qt::SHIFT + Qt::Key_F10)})
+        new QShortcut(keys, ui->listAudioFiles, this, &MainWindow::OnListAudioFilesMenuKey, Qt::WidgetShortcut);
+
+    QAction* const removeSelected = removeMenu->actions().first();
+    removeSelected->setShortcut(QKeySequence::Delete);
+    removeSelected->setShortcutContext(Qt::WidgetShortcut);
+    ui->listAudioFiles->addAction(removeSelected);
+
+    new QShortcut(Qt::Key_F10, this, [this] { ui->menuBar->setActiveAction(ui->menuFile->menuAction()); });
+
+    // Tags that do not fit into the panel are in reach of the Tab key, and then of the arrows.
+    connect(ui->scrollInfo->verticalScrollBar(), &QScrollBar::rangeChanged, ui->scrollInfo,
+            [this](int, int last) { ui->scrollInfo->setFocusPolicy(last > 0 ? Qt::TabFocus : Qt::NoFocus); });
 }
 
 /// Puts every setting into its default state; the file list, the current row and the title stay.

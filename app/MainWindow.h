@@ -41,6 +41,7 @@ private slots:
     void on_buttonRemove_clicked();
     void on_listAudioFiles_itemPressed(QListWidgetItem* item);
     void OnListAudioFilesRightClick();
+    void OnListAudioFilesMenuKey();
     void OnAddFiles();
     void OnAddFolder();
     void OnAddFolderWithSubfolders();
@@ -99,6 +100,7 @@ private:
     void Init();
     void FillCombos();
     void CreatePopupMenus();
+    void BindKeys();
     void ResetInterface();
     void ShowSettings();
     void RefreshInterface();

@@ -36,6 +36,18 @@ void MainWindow::OnListAudioFilesRightClick()
         listMenu->exec(cursor);
 }
 
+/// Opens the menu at the current row, wherever the pointer is.
+void MainWindow::OnListAudioFilesMenuKey()
+{
+    QListWidget& list = *ui->listAudioFiles;
+    const QListWidgetItem* const item = list.item(currentRow);
+    if (!item)
+        return;
+    list.scrollToItem(item);
+    const QRect row = list.visualItemRect(item) & list.viewport()->rect();
+    listMenu->exec(list.viewport()->mapToGlobal(row.bottomLeft()));
+}
+
 void MainWindow::OnAddFiles()
 {
     const QString masks = QStringLiteral("*.") + AudioExtensions().join(QStringLiteral(" *."));

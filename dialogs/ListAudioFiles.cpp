@@ -1,5 +1,6 @@
 #include "dialogs/ListAudioFiles.h"
 
+#include <QContextMenuEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -9,6 +10,15 @@ ListAudioFiles::ListAudioFiles(QWidget* parent) : QListWidget(parent), watermark
     // Scrolling moves the painted rows; a full repaint keeps the watermark where it is.
     for (const QScrollBar* bar : {verticalScrollBar(), horizontalScrollBar()})
         connect(bar, &QScrollBar::valueChanged, viewport(), QOverload<>::of(&QWidget::update));
+}
+
+bool ListAudioFiles::event(QEvent* event)
+{
+    // Only some desktops send this for the Menu key, and then with no row: the window has shortcuts for that menu.
+    if (event->type() == QEvent::ContextMenu &&
+        static_cast<QContextMenuEvent*>(event)->reason() == QContextMenuEvent::Keyboard)
+        return true;
+    return QListWidget::event(event);
 }
 
 QItemSelectionModel::SelectionFlags ListAudioFiles::selectionCommand(const QModelIndex& index,

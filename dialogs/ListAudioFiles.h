@@ -13,6 +13,7 @@ public:
     explicit ListAudioFiles(QWidget* parent);
 
 protected:
+    bool event(QEvent* event) override;
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override;
     void keyPressEvent(QKeyEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
