@@ -99,6 +99,9 @@ void MainWindow::Init()
     setAcceptDrops(true);
     for (QWidget* hidden : std::initializer_list<QWidget*>{ui->groupAudioPlayer, ui->buttonPlay, ui->buttonStop})
         hidden->hide();
+    // Six short tags are seen whole in any font.
+    const int sixLines = static_cast<int>(allTags.size()) * ui->textInfo->fontMetrics().lineSpacing();
+    ui->scrollInfo->setMinimumHeight(sixLines + 2 * ui->scrollInfo->frameWidth());
     ui->buttonAdd->setStyleSheet(QStringLiteral("Text-align:left; padding:7px 0px 9px 18px;"));
     FillCombos();
     ResetInterface();

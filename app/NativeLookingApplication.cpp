@@ -14,6 +14,8 @@ void NativeLookingApplication::Prepare()
 {
     setAttribute(Qt::AA_EnableHighDpiScaling);
     setAttribute(Qt::AA_UseHighDpiPixmaps);
+    // Rounded, 150 % would fill the screen with twice the size, and 125 % would change nothing.
+    setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     // Wayland has no other way to a window's icon.
     setDesktopFileName(QStringLiteral(ORVANTO_APPLICATION_ID));
     // File names are UTF-8 everywhere today, also where the locale is missing or says otherwise.
