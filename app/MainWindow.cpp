@@ -75,6 +75,13 @@ void MainWindow::ChangeTheme()
         palette.setBrush(QPalette::All, role, color);
     QApplication::setPalette(palette);
 
+    // That palette shows disabled widgets like enabled ones.
+    QPalette disabledPalette = palette;
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        disabledPalette.setColor(QPalette::Disabled, role, QColor(0x99, 0x99, 0x99));
+    for (const char* widget : {"QCheckBox", "QComboBox", "QLabel", "QLineEdit", "QRadioButton"})
+        QApplication::setPalette(disabledPalette, widget);
+
     qApp->setStyleSheet(
         QStringLiteral("QToolTip { color: #FFFFFF; background-color: #26A3E2; border: 1px solid white; }"
                        "QLineEdit:!enabled { background-color: #424242; }"
