@@ -110,6 +110,7 @@ void MainWindow::Init()
     const int sixLines = static_cast<int>(allTags.size()) * ui->textInfo->fontMetrics().lineSpacing();
     ui->scrollInfo->setMinimumHeight(sixLines + 2 * ui->scrollInfo->frameWidth());
     ui->buttonAdd->setStyleSheet(QStringLiteral("Text-align:left; padding:7px 0px 9px 18px;"));
+    ui->buttonRemove->setStyleSheet(QStringLiteral("padding:7px 0px 9px 0px;")); // on one line with Add
     FillCombos();
     ResetInterface();
     CreatePopupMenus();

@@ -61,4 +61,10 @@ void ListAudioFiles::paintEvent(QPaintEvent* event)
         painter.drawPixmap((width() - size.width()) / 2, (height() - size.height()) / 2, watermark);
     }
     QListWidget::paintEvent(event);
+    // Without a row that could show the focus, the list itself does.
+    if (hasFocus() && !currentItem()) {
+        QPainter painter(viewport());
+        painter.setPen(palette().color(QPalette::Highlight));
+        painter.drawRect(viewport()->rect().adjusted(0, 0, -1, -1));
+    }
 }
