@@ -1,6 +1,9 @@
 #include "dialogs/ListAudioFiles.h"
 
+#include "dialogs/LongTexts.h"
+
 #include <QContextMenuEvent>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -19,6 +22,17 @@ bool ListAudioFiles::event(QEvent* event)
         static_cast<QContextMenuEvent*>(event)->reason() == QContextMenuEvent::Keyboard)
         return true;
     return QListWidget::event(event);
+}
+
+/// Each row shows its path as its tool tip. A row carries no other data than its path and its icon.
+bool ListAudioFiles::viewportEvent(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QListWidget::viewportEvent(event);
+    const auto& help = *static_cast<QHelpEvent*>(event);
+    const QListWidgetItem* const item = itemAt(help.pos());
+    ShowPlainToolTip(help, item ? item->text() : QString(), viewport());
+    return true;
 }
 
 QItemSelectionModel::SelectionFlags ListAudioFiles::selectionCommand(const QModelIndex& index,
