@@ -2,11 +2,14 @@
 
 #include "platform/UserSettings.h"
 
-#include <QCoreApplication>
+#include <QAbstractButton>
+#include <QApplication>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLayout>
+#include <QMainWindow>
 #include <QPlainTextEdit>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -42,9 +45,30 @@ QMessageBox::StandardButton Show(QMessageBox::Icon icon, const QString& title, c
     box.setDefaultButton(defaultButton);
     if (text.size() > longestText || text.count(QLatin1Char('\n')) > mostLines)
         MakeScrollable(box);
+    for (QAbstractButton* const button : box.buttons())
+        button->setIcon(QIcon()); // some desktops still give those of another age
+    PlaceOverMainWindow(box);
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 } // namespace
+
+void PlaceOverMainWindow(QDialog& dialog)
+{
+    dialog.setWindowIcon(QIcon(QStringLiteral(":/res/Logo-transparent.png")));
+    dialog.winId(); // makes the window that the desktop knows
+    QWindow* const window = dialog.windowHandle();
+    if (dialog.windowTitle().isEmpty())
+        window->setTitle(QStringLiteral("Orvanto"));
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto main = std::find_if(windows.begin(), windows.end(), [](const QWidget* candidate) {
+        return qobject_cast<const QMainWindow*>(candidate) && candidate->isVisible();
+    });
+    if (main == windows.end())
+        return;
+    window->setTransientParent((*main)->windowHandle());
+    dialog.adjustSize();
+    dialog.move((*main)->geometry().center() - dialog.rect().center());
+}
 
 QMessageBox::StandardButton Ask(const QString& text, QMessageBox::StandardButtons buttons)
 {
