@@ -138,6 +138,9 @@ void MainWindow::SynchronizeListAudioFiles(bool showProgress)
     ui->listAudioFiles->clear();
     for (const SAudioFile& file : audioFiles.Records())
         ui->listAudioFiles->addItem(new QListWidgetItem(icon, file.Path));
+    // The arrow keys go on from the current row.
+    if (audioFiles.IsRow(currentRow))
+        ui->listAudioFiles->setCurrentRow(currentRow, QItemSelectionModel::NoUpdate);
 
     const int count = audioFiles.Count();
     for (int row = 0; row < count; ++row) {
