@@ -112,7 +112,8 @@ private:
     void SynchronizeListAudioFiles(bool showProgress);
     void MakeCurrent(int row);
     void LookBusy(const QString& status);
-    void LookIdle();
+    void LookIdle(QWidget* focused);
+    void ShowStatus(const QString& status);
     void BeginStage(const QString& status);
     [[nodiscard]] bool Pump();
 
