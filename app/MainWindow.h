@@ -27,6 +27,10 @@ public:
     /// Stops a run between two files and waits for that.
     ~MainWindow() override;
 
+    /// Takes what the desktop or the command line hands over: files and folders join the list as if they were dropped;
+    /// a single profile is loaded. A window that is busy or shows a dialog takes nothing.
+    void OpenPaths(const QStringList& paths);
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -107,6 +111,7 @@ private:
     void Quit();
 
     void FillList(const std::function<void()>& add);
+    void AddPaths(const QStringList& paths);
     void AddFolder(QString folder, bool recursive);
     void AddFilesToList(const QStringList& files);
     void SynchronizeListAudioFiles(bool showProgress);
@@ -131,6 +136,8 @@ private:
     void WriteRecord(int row, const SAudioFile& file);
     void RefreshPanel();
 
+    bool MayOverwriteSettings();
+    void LoadProfile(const QString& path);
     void UpdateAppTitleWithProfile(const QString& name);
     void DiscardPlayer();
 

@@ -9,6 +9,7 @@
 #include "platform/UserSettings.h"
 #include "ui_MainWindow.h"
 
+#include <QApplication>
 #include <QCursor>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -156,7 +157,6 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event)
     event->accept();
 }
 
-/// Adds dropped folders, always with their subfolders, and after them dropped files.
 void MainWindow::dropEvent(QDropEvent* event)
 {
     // Whatever the other side proposes, it must not take its files for moved.
@@ -165,10 +165,31 @@ void MainWindow::dropEvent(QDropEvent* event)
     if (activity != Activity::Idle)
         return;
 
+    QStringList paths;
+    for (const QUrl& url : event->mimeData()->urls())
+        paths += url.toLocalFile();
+    AddPaths(paths);
+}
+
+void MainWindow::OpenPaths(const QStringList& paths)
+{
+    if (activity != Activity::Idle || QApplication::activeModalWidget())
+        return;
+    if (paths.size() == 1 && ExtensionOf(paths.first()) == QLatin1String("ovp")) {
+        if (MayOverwriteSettings())
+            LoadProfile(QFileInfo(paths.first()).absoluteFilePath());
+        return;
+    }
+    AddPaths(paths);
+}
+
+/// Adds folders, always with their subfolders, and after them files; what is neither is passed over.
+void MainWindow::AddPaths(const QStringList& paths)
+{
     QStringList files;
     QStringList folders;
-    for (const QUrl& url : event->mimeData()->urls()) {
-        const QFileInfo info(url.toLocalFile());
+    for (const QString& path : paths) {
+        const QFileInfo info(path);
         if (info.isFile())
             files += info.absoluteFilePath();
         else if (info.isDir())
