@@ -84,6 +84,7 @@ void MainWindow::OnAddFolderWithSubfolders()
 void MainWindow::OnSearch()
 {
     DialogSearch dialog(nullptr);
+    PlaceOverMainWindow(dialog);
     if (dialog.exec() != QDialog::Accepted || dialog.searchPath.isEmpty())
         return;
     FillList([&] {
