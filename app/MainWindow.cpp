@@ -12,6 +12,8 @@
 #include <QMediaPlayer>
 #include <QMenu>
 #include <QPalette>
+#include <QScrollBar>
+#include <QShortcut>
 #include <QStyleFactory>
 
 #include <initializer_list>
@@ -72,6 +74,13 @@ void MainWindow::ChangeTheme()
         palette.setBrush(QPalette::All, role, color);
     QApplication::setPalette(palette);
 
+    // That palette shows disabled widgets like enabled ones.
+    QPalette disabledPalette = palette;
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        disabledPalette.setColor(QPalette::Disabled, role, QColor(0x99, 0x99, 0x99));
+    for (const char* widget : {"QCheckBox", "QComboBox", "QLabel", "QLineEdit", "QRadioButton"})
+        QApplication::setPalette(disabledPalette, widget);
+
     qApp->setStyleSheet(
         QStringLiteral("QToolTip { color: #FFFFFF; background-color: #26A3E2; border: 1px solid white; }"
                        "QLineEdit:!enabled { background-color: #424242; }"
@@ -96,10 +105,19 @@ void MainWindow::Init()
     setAcceptDrops(true);
     for (QWidget* hidden : std::initializer_list<QWidget*>{ui->groupAudioPlayer, ui->buttonPlay, ui->buttonStop})
         hidden->hide();
+    // Six short tags are seen whole in any font.
+    const int sixLines = static_cast<int>(allTags.size()) * ui->textInfo->fontMetrics().lineSpacing();
+    ui->scrollInfo->setMinimumHeight(sixLines + 2 * ui->scrollInfo->frameWidth());
+    QSizePolicy statusSize = ui->textProgress->sizePolicy();
+    statusSize.setRetainSizeWhenHidden(true);
+    ui->textProgress->setSizePolicy(statusSize);
+    ui->textProgress->hide();
     ui->buttonAdd->setStyleSheet(QStringLiteral("Text-align:left; padding:7px 0px 9px 18px;"));
+    ui->buttonRemove->setStyleSheet(QStringLiteral("padding:7px 0px 9px 0px;")); // on one line with Add
     FillCombos();
     ResetInterface();
     CreatePopupMenus();
+    BindKeys();
 }
 
 void MainWindow::FillCombos()
@@ -126,6 +144,24 @@ void MainWindow::CreatePopupMenus()
     listMenu->addAction(tr("Batch Edit Tags"), this, &MainWindow::OnBatchEditTags);
     listMenu->addSeparator();
     listMenu->addAction(tr("Remove"), this, &MainWindow::OnRemoveFile);
+}
+
+/// What a mouse does by pointing. The menus' own shortcuts stand in the form.
+void MainWindow::BindKeys()
+{
+    for (const QKeySequence& keys : {QKeySequence(Qt::Key_Menu), QKeySequence(Qt::SHIFT + Qt::Key_F10)})
+        new QShortcut(keys, ui->listAudioFiles, this, &MainWindow::OnListAudioFilesMenuKey, Qt::WidgetShortcut);
+
+    QAction* const removeSelected = removeMenu->actions().first();
+    removeSelected->setShortcut(QKeySequence::Delete);
+    removeSelected->setShortcutContext(Qt::WidgetShortcut);
+    ui->listAudioFiles->addAction(removeSelected);
+
+    new QShortcut(Qt::Key_F10, this, [this] { ui->menuBar->setActiveAction(ui->menuFile->menuAction()); });
+
+    // Tags that do not fit into the panel are in reach of the Tab key, and then of the arrows.
+    connect(ui->scrollInfo->verticalScrollBar(), &QScrollBar::rangeChanged, ui->scrollInfo,
+            [this](int, int last) { ui->scrollInfo->setFocusPolicy(last > 0 ? Qt::TabFocus : Qt::NoFocus); });
 }
 
 /// Puts every setting into its default state; the file list, the current row and the title stay.

@@ -27,6 +27,10 @@ public:
     /// Stops a run and waits for that.
     ~MainWindow() override;
 
+    /// Takes what the desktop or the command line hands over: files and folders join the list as if they were dropped;
+    /// a single profile is loaded. A window that is busy or shows a dialog takes nothing.
+    void OpenPaths(const QStringList& paths);
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -41,6 +45,7 @@ private slots:
     void on_buttonRemove_clicked();
     void on_listAudioFiles_itemPressed(QListWidgetItem* item);
     void OnListAudioFilesRightClick();
+    void OnListAudioFilesMenuKey();
     void OnAddFiles();
     void OnAddFolder();
     void OnAddFolderWithSubfolders();
@@ -99,18 +104,21 @@ private:
     void Init();
     void FillCombos();
     void CreatePopupMenus();
+    void BindKeys();
     void ResetInterface();
     void ShowSettings();
     void RefreshInterface();
     void Quit();
 
     void FillList(const std::function<void()>& add);
+    void AddPaths(const QStringList& paths);
     void AddFolder(QString folder, bool recursive);
     void AddFilesToList(const QStringList& files);
     void SynchronizeListAudioFiles(bool showProgress);
     void MakeCurrent(int row);
     void LookBusy(const QString& status);
-    void LookIdle();
+    void LookIdle(QWidget* focused);
+    void ShowStatus(const QString& status);
     void BeginStage(const QString& status);
     [[nodiscard]] bool Pump();
 
@@ -128,6 +136,8 @@ private:
     void WriteRecord(int row, const SAudioFile& file);
     void RefreshPanel();
 
+    bool MayOverwriteSettings();
+    void LoadProfile(const QString& path);
     void UpdateAppTitleWithProfile(const QString& name);
     void DiscardPlayer();
 

@@ -2,10 +2,11 @@
 
 #include "ui_MainWindow.h"
 
+#include <QAccessible>
 #include <QCoreApplication>
 
 MainWindow::ActivityGuard::ActivityGuard(MainWindow& busyWindow, Activity activity, const QString& status)
-    : window(busyWindow), outer(busyWindow.activity)
+    : window(busyWindow), outer(busyWindow.activity), focused(busyWindow.focusWidget())
 {
     window.activity = activity;
     if (!status.isEmpty())
@@ -16,35 +17,52 @@ MainWindow::ActivityGuard::~ActivityGuard()
 {
     window.activity = outer;
     if (outer == Activity::Idle)
-        window.LookIdle();
+        window.LookIdle(focused);
 }
 
 void MainWindow::LookBusy(const QString& status)
 {
+    // A widget that is disabled passes the focus on: to a setting, which the next key would change unnoticed.
+    ui->progressOrganize->setEnabled(true);
+    ui->progressOrganize->setFocus();
     ui->buttonOrganize->setEnabled(false);
     ui->listAudioFiles->setEnabled(false);
     ui->buttonAdd->setEnabled(false);
     ui->buttonRemove->setEnabled(false);
-    ui->progressOrganize->setEnabled(true);
-    ui->textProgress->setText(status);
+    ShowStatus(status);
 }
 
-void MainWindow::LookIdle()
+/// @p focused: what had the focus before the window was busy. It has it again, or the list, unless the user has given
+/// it to another widget meanwhile.
+void MainWindow::LookIdle(QWidget* focused)
 {
     ui->buttonOrganize->setEnabled(true);
     ui->listAudioFiles->setEnabled(true);
     ui->buttonAdd->setEnabled(true);
     ui->buttonRemove->setEnabled(true);
+    if (focusWidget() == ui->progressOrganize)
+        (focused && focused->isEnabled() && focused->isVisible() ? focused : ui->listAudioFiles)->setFocus();
     ui->progressOrganize->setEnabled(false);
     ui->progressOrganize->setValue(0);
-    ui->textProgress->clear();
+    ShowStatus(QString());
+}
+
+/// A screen reader says the status when it changes, and does not come across it while there is none.
+void MainWindow::ShowStatus(const QString& status)
+{
+    ui->textProgress->setText(status);
+    ui->textProgress->setVisible(!status.isEmpty());
+    if (!status.isEmpty()) {
+        QAccessibleEvent alert(ui->textProgress, QAccessible::Alert);
+        QAccessible::updateAccessibility(&alert);
+    }
 }
 
 /// Another stage of an activity: its status, with the progress bar back at its start.
 void MainWindow::BeginStage(const QString& status)
 {
     ui->progressOrganize->setValue(0);
-    ui->textProgress->setText(status);
+    ShowStatus(status);
 }
 
 /// Lets the window live for a turn in the middle of an activity. @return whether to go on: not once the user wants to

@@ -9,6 +9,7 @@
 #include "platform/UserSettings.h"
 #include "ui_MainWindow.h"
 
+#include <QApplication>
 #include <QCursor>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -34,6 +35,18 @@ void MainWindow::OnListAudioFilesRightClick()
     const QPoint cursor = QCursor::pos();
     if (ui->listAudioFiles->itemAt(ui->listAudioFiles->viewport()->mapFromGlobal(cursor)))
         listMenu->exec(cursor);
+}
+
+/// Opens the menu at the current row, wherever the pointer is.
+void MainWindow::OnListAudioFilesMenuKey()
+{
+    QListWidget& list = *ui->listAudioFiles;
+    const QListWidgetItem* const item = list.item(currentRow);
+    if (!item)
+        return;
+    list.scrollToItem(item);
+    const QRect row = list.visualItemRect(item) & list.viewport()->rect();
+    listMenu->exec(list.viewport()->mapToGlobal(row.bottomLeft()));
 }
 
 void MainWindow::OnAddFiles()
@@ -71,6 +84,7 @@ void MainWindow::OnAddFolderWithSubfolders()
 void MainWindow::OnSearch()
 {
     DialogSearch dialog(nullptr);
+    PlaceOverMainWindow(dialog);
     if (dialog.exec() != QDialog::Accepted || dialog.searchPath.isEmpty())
         return;
     FillList([&] {
@@ -126,6 +140,9 @@ void MainWindow::SynchronizeListAudioFiles(bool showProgress)
     ui->listAudioFiles->clear();
     for (const SAudioFile& file : audioFiles.Records())
         ui->listAudioFiles->addItem(new QListWidgetItem(icon, file.Path));
+    // The arrow keys go on from the current row.
+    if (audioFiles.IsRow(currentRow))
+        ui->listAudioFiles->setCurrentRow(currentRow, QItemSelectionModel::NoUpdate);
 
     const int count = audioFiles.Count();
     for (int row = 0; row < count; ++row) {
@@ -141,7 +158,6 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event)
     event->accept();
 }
 
-/// Adds dropped folders, always with their subfolders, and after them dropped files.
 void MainWindow::dropEvent(QDropEvent* event)
 {
     // Whatever the other side proposes, it must not take its files for moved.
@@ -150,10 +166,31 @@ void MainWindow::dropEvent(QDropEvent* event)
     if (activity != Activity::Idle)
         return;
 
+    QStringList paths;
+    for (const QUrl& url : event->mimeData()->urls())
+        paths += url.toLocalFile();
+    AddPaths(paths);
+}
+
+void MainWindow::OpenPaths(const QStringList& paths)
+{
+    if (activity != Activity::Idle || QApplication::activeModalWidget())
+        return;
+    if (paths.size() == 1 && ExtensionOf(paths.first()) == QLatin1String("ovp")) {
+        if (MayOverwriteSettings())
+            LoadProfile(QFileInfo(paths.first()).absoluteFilePath());
+        return;
+    }
+    AddPaths(paths);
+}
+
+/// Adds folders, always with their subfolders, and after them files; what is neither is passed over.
+void MainWindow::AddPaths(const QStringList& paths)
+{
     QStringList files;
     QStringList folders;
-    for (const QUrl& url : event->mimeData()->urls()) {
-        const QFileInfo info(url.toLocalFile());
+    for (const QString& path : paths) {
+        const QFileInfo info(path);
         if (info.isFile())
             files += info.absoluteFilePath();
         else if (info.isDir())

@@ -74,8 +74,11 @@ void MainWindow::ProcessThreadFinished()
     ReloadList();
     run.reset();
     ClearPreviews();
-    if (!quitting && !StoredFlag(SettingsKey::skipSocial))
-        DialogSocial(nullptr).exec();
+    if (quitting || StoredFlag(SettingsKey::skipSocial))
+        return;
+    DialogSocial dialog(nullptr);
+    PlaceOverMainWindow(dialog);
+    dialog.exec();
 }
 
 /// Shows how the run went and appends it to the log. Without a log it says only that.

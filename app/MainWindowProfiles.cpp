@@ -69,14 +69,25 @@ void MainWindow::on_actionSave_Profile_As_triggered()
 
 void MainWindow::on_actionLoad_Profile_triggered()
 {
-    if (unsavedChanges && !AskYesNo(tr("Loading a profile will overwrite your current settings. Continue?")))
+    if (!MayOverwriteSettings())
         return;
     // From here on only a successful load clears the flag: after a cancelled or failed one, changes of settings go
     // unmarked until a profile is loaded. On purpose.
     loading = true;
     const QString path = QFileDialog::getOpenFileName(this, tr("Load profile"), ProfileFolder(), ProfileFilter());
-    if (path.isEmpty())
-        return;
+    if (!path.isEmpty())
+        LoadProfile(path);
+}
+
+/// Whether the user, who is asked when there are unsaved changes, lets a profile replace the settings.
+bool MainWindow::MayOverwriteSettings()
+{
+    return !unsavedChanges || AskYesNo(tr("Loading a profile will overwrite your current settings. Continue?"));
+}
+
+void MainWindow::LoadProfile(const QString& path)
+{
+    loading = true;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         Warn(QString(), tr("Could not load profile."));

@@ -1,9 +1,13 @@
 #include "app/MainWindow.h"
 
 #include "app/MainWindowBusy.h"
+#include "app/Percentage.h"
 #include "dialogs/DialogEditTags.h"
 #include "dialogs/Prompts.h"
 #include "ui_MainWindow.h"
+
+#include <QApplication>
+#include <QScopeGuard>
 
 namespace
 {
@@ -53,7 +57,9 @@ void MainWindow::OnBatchEditTags()
         !AskYesNo(tr("Are you sure you want to apply these tags to all the audio files in the list?")))
         return;
 
-    const ActivityGuard changing(*this, Activity::Changing);
+    const ActivityGuard changing(*this, Activity::Changing, tr("Writing tags..."));
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const auto usualCursor = qScopeGuard([] { QApplication::restoreOverrideCursor(); });
     const SAudioFile edited = dialog.File();
     for (int row = 0; row < audioFiles.Count(); ++row) {
         SAudioFile file = audioFiles.At(row);
@@ -62,6 +68,7 @@ void MainWindow::OnBatchEditTags()
                 file.*tag.field = edited.*tag.field;
         }
         WriteRecord(row, file);
+        ui->progressOrganize->setValue(Percentage(row + 1, audioFiles.Count()));
         if (!Pump())
             break;
     }

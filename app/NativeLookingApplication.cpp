@@ -2,11 +2,13 @@
 
 #include "app/CaptionFit.h"
 
-#include <QEvent>
+#include <QFileOpenEvent>
 #include <QTextCodec>
+#include <QTimer>
 #include <QWidget>
 
 #include <algorithm>
+#include <utility>
 
 NativeLookingApplication::NativeLookingApplication(int& argc, char** argv) : QApplication(argc, argv) {}
 
@@ -14,10 +16,27 @@ void NativeLookingApplication::Prepare()
 {
     setAttribute(Qt::AA_EnableHighDpiScaling);
     setAttribute(Qt::AA_UseHighDpiPixmaps);
+    // Rounded, 150 % would fill the screen with twice the size, and 125 % would change nothing.
+    setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     // Wayland has no other way to a window's icon.
     setDesktopFileName(QStringLiteral(ORVANTO_APPLICATION_ID));
     // File names are UTF-8 everywhere today, also where the locale is missing or says otherwise.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+}
+
+bool NativeLookingApplication::event(QEvent* event)
+{
+    if (event->type() != QEvent::FileOpen)
+        return QApplication::event(event);
+    // One event for each file, one right after the other.
+    if (requestedPaths.isEmpty()) {
+        QTimer::singleShot(0, this, [this] {
+            const QStringList paths = std::exchange(requestedPaths, {});
+            emit OpenRequested(paths);
+        });
+    }
+    requestedPaths += static_cast<QFileOpenEvent*>(event)->file();
+    return true;
 }
 
 bool NativeLookingApplication::notify(QObject* receiver, QEvent* event)

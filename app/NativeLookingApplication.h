@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QApplication>
+#include <QStringList>
 
 /// The application object. Small text controls are drawn in the platform's small control size unless a size was
 /// chosen for them; harmless where the platform has only one size. In our own windows, captions of fixed size are made
@@ -16,4 +17,14 @@ public:
     static void Prepare();
 
     bool notify(QObject* receiver, QEvent* event) override;
+
+signals:
+    /// On macOS the desktop asks a running program to open files, all of one request together.
+    void OpenRequested(const QStringList& paths);
+
+protected:
+    bool event(QEvent* event) override;
+
+private:
+    QStringList requestedPaths; ///< of the request that is coming in
 };

@@ -24,7 +24,7 @@ struct SField
 {
     TagField tag;
     QString DialogEditTags::*text;
-    QLineEdit* Ui_DialogEditTags::*edit;
+    LineEdit* Ui_DialogEditTags::*edit;
 };
 
 constexpr SField fields[] = {
@@ -87,9 +87,8 @@ void DialogEditTags::Init()
 {
     player.reset();
     ui->textFilePath->setText(filePath);
-    ui->textFilePath->setToolTip(QStringLiteral("<qt>%1</qt>").arg(filePath.toHtmlEscaped())); // a path is no markup
     for (const SField& field : fields)
-        ((*ui).*field.edit)->setText(this->*field.text);
+        ((*ui).*field.edit)->ShowText(this->*field.text);
     ui->editArtist->setFocus();
     ui->buttonPlay->setFixedWidth(wideButton);
     ui->buttonPlay->setText(tr("Play in iTunes"));

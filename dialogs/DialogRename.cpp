@@ -1,18 +1,23 @@
 #include "dialogs/DialogRename.h"
 
 #include "naming/ProfileText.h"
+#include "tags/SAudioFile.h"
 #include "ui_DialogRename.h"
 
 DialogRename::DialogRename(QWidget* parent) : QDialog(parent), ui(std::make_unique<Ui_DialogRename>())
 {
     ui->setupUi(this);
+    QString placeholders = tr("Placeholders:");
+    for (const STag& tag : allTags)
+        placeholders += QStringLiteral(" [%1]").arg(QLatin1String(tag.name));
+    ui->editRenameScheme->setToolTip(placeholders);
 }
 
 DialogRename::~DialogRename() = default;
 
 int DialogRename::exec()
 {
-    ui->editRenameScheme->setText(scheme);
+    ui->editRenameScheme->ShowText(scheme);
     return QDialog::exec();
 }
 

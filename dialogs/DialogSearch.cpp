@@ -16,7 +16,7 @@ DialogSearch::~DialogSearch() = default;
 void DialogSearch::Init()
 {
     searchPath = StoredFolder(SettingsKey::searchFolder);
-    ui->editSearchPath->setText(searchPath);
+    ui->editSearchPath->ShowText(searchPath);
 
     searchSubfolders = StoredFlag(SettingsKey::searchSubfolders);
     ui->checkSearchSubfolders->setChecked(searchSubfolders);
@@ -45,7 +45,7 @@ void DialogSearch::on_buttonBrowse_clicked()
     const QString folder = AskForFolder(this, SettingsKey::searchFolder);
     if (folder.isEmpty())
         return;
-    ui->editSearchPath->setText(folder);
+    ui->editSearchPath->ShowText(folder);
     StoreSearchPath(folder);
 }
 

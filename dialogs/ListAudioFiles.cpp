@@ -1,5 +1,9 @@
 #include "dialogs/ListAudioFiles.h"
 
+#include "dialogs/LongTexts.h"
+
+#include <QContextMenuEvent>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -11,10 +15,45 @@ ListAudioFiles::ListAudioFiles(QWidget* parent) : QListWidget(parent), watermark
         connect(bar, &QScrollBar::valueChanged, viewport(), QOverload<>::of(&QWidget::update));
 }
 
+bool ListAudioFiles::event(QEvent* event)
+{
+    // Only some desktops send this for the Menu key, and then with no row: the window has shortcuts for that menu.
+    if (event->type() == QEvent::ContextMenu &&
+        static_cast<QContextMenuEvent*>(event)->reason() == QContextMenuEvent::Keyboard)
+        return true;
+    return QListWidget::event(event);
+}
+
+/// Each row shows its path as its tool tip. A row carries no other data than its path and its icon.
+bool ListAudioFiles::viewportEvent(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QListWidget::viewportEvent(event);
+    const auto& help = *static_cast<QHelpEvent*>(event);
+    const QListWidgetItem* const item = itemAt(help.pos());
+    ShowPlainToolTip(help, item ? item->text() : QString(), viewport());
+    return true;
+}
+
+QItemSelectionModel::SelectionFlags ListAudioFiles::selectionCommand(const QModelIndex& index,
+                                                                     const QEvent* event) const
+{
+    // Ctrl would unselect a row whose file stays the current one of the window.
+    const QItemSelectionModel::SelectionFlags command = QListWidget::selectionCommand(index, event);
+    return command & QItemSelectionModel::Deselect ? QItemSelectionModel::NoUpdate : command;
+}
+
 void ListAudioFiles::keyPressEvent(QKeyEvent* event)
 {
     const QList<QListWidgetItem*> before = selectedItems();
-    QListWidget::keyPressEvent(event);
+    const int key = event->key();
+    const bool isStep = key == Qt::Key_Up || key == Qt::Key_Down;
+    const bool isLeap = key == Qt::Key_Home || key == Qt::Key_End || key == Qt::Key_PageUp || key == Qt::Key_PageDown;
+    // The row with the focus may not be selected yet: then a step selects it, and so does a leap that ends there.
+    if (!isStep || !before.isEmpty() || !currentItem())
+        QListWidget::keyPressEvent(event);
+    if ((isStep || isLeap) && selectedItems().isEmpty() && currentItem())
+        currentItem()->setSelected(true);
     const QList<QListWidgetItem*> now = selectedItems();
     if (!now.isEmpty() && now != before)
         emit itemPressed(now.first());
@@ -36,4 +75,10 @@ void ListAudioFiles::paintEvent(QPaintEvent* event)
         painter.drawPixmap((width() - size.width()) / 2, (height() - size.height()) / 2, watermark);
     }
     QListWidget::paintEvent(event);
+    // Without a row that could show the focus, the list itself does.
+    if (hasFocus() && !currentItem()) {
+        QPainter painter(viewport());
+        painter.setPen(palette().color(QPalette::Highlight));
+        painter.drawRect(viewport()->rect().adjusted(0, 0, -1, -1));
+    }
 }

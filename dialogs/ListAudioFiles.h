@@ -4,7 +4,7 @@
 #include <QPixmap>
 
 /// The file list with the program's mark faintly in its middle, behind the rows. Selecting a row by key counts as a
-/// press on it: itemPressed() tells both.
+/// press on it: itemPressed() tells both. A row that is selected stays so until another one is.
 class ListAudioFiles : public QListWidget
 {
     Q_OBJECT
@@ -13,6 +13,9 @@ public:
     explicit ListAudioFiles(QWidget* parent);
 
 protected:
+    bool event(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index, const QEvent* event) const override;
     void keyPressEvent(QKeyEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;

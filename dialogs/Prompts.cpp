@@ -2,11 +2,14 @@
 
 #include "platform/UserSettings.h"
 
-#include <QCoreApplication>
+#include <QAbstractButton>
+#include <QApplication>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLayout>
+#include <QMainWindow>
 #include <QPlainTextEdit>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -29,8 +32,22 @@ void MakeScrollable(QMessageBox& box)
     text->setReadOnly(true);
     text->setLineWrapMode(QPlainTextEdit::NoWrap);
     text->setMinimumSize(scrolledText);
+    text->setTabChangesFocus(true); // it takes no text, and the buttons are what comes next
+    text->setAccessibleName(QCoreApplication::translate("Prompts", "Report"));
     delete box.layout()->replaceWidget(*shown, text);
     (*shown)->hide();
+}
+
+/// Says in words what the icon of @p box shows, for those who do not see it.
+void NameIcon(const QMessageBox& box)
+{
+    const QString name = box.icon() == QMessageBox::Question  ? QStringLiteral("Question")
+                         : box.icon() == QMessageBox::Warning ? QStringLiteral("Warning")
+                                                              : QStringLiteral("Information");
+    for (QLabel* const label : box.findChildren<QLabel*>()) {
+        if (!label->pixmap(Qt::ReturnByValue).isNull())
+            label->setAccessibleName(name);
+    }
 }
 
 QMessageBox::StandardButton Show(QMessageBox::Icon icon, const QString& title, const QString& text,
@@ -42,9 +59,33 @@ QMessageBox::StandardButton Show(QMessageBox::Icon icon, const QString& title, c
     box.setDefaultButton(defaultButton);
     if (text.size() > longestText || text.count(QLatin1Char('\n')) > mostLines)
         MakeScrollable(box);
+    NameIcon(box);
+    for (QAbstractButton* const button : box.buttons())
+        button->setIcon(QIcon()); // some desktops still give those of another age
+    PlaceOverMainWindow(box);
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 } // namespace
+
+void PlaceOverMainWindow(QDialog& dialog)
+{
+    dialog.setWindowIcon(QIcon(QStringLiteral(":/res/Logo-transparent.png")));
+    dialog.winId(); // makes the window that the desktop knows
+    QWindow* const window = dialog.windowHandle();
+    if (dialog.windowTitle().isEmpty()) {
+        window->setTitle(QStringLiteral("Orvanto"));
+        dialog.setAccessibleName(QStringLiteral("Orvanto"));
+    }
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto main = std::find_if(windows.begin(), windows.end(), [](const QWidget* candidate) {
+        return qobject_cast<const QMainWindow*>(candidate) && candidate->isVisible();
+    });
+    if (main == windows.end())
+        return;
+    window->setTransientParent((*main)->windowHandle());
+    dialog.adjustSize();
+    dialog.move((*main)->geometry().center() - dialog.rect().center());
+}
 
 QMessageBox::StandardButton Ask(const QString& text, QMessageBox::StandardButtons buttons)
 {

@@ -3,7 +3,12 @@
 #include <QMessageBox>
 #include <QString>
 
+class QDialog;
 class QWidget;
+
+/// Gives a dialog without parent the place of one that has the main window as its parent: in the middle of that, and
+/// above it. Where it has no title, the desktop shows the program's name.
+void PlaceOverMainWindow(QDialog& dialog);
 
 /// The program's message boxes: modal, without parent, their text always plain. A long text scrolls.
 

@@ -1,0 +1,47 @@
+#include "dialogs/LongTexts.h"
+
+#include <QHelpEvent>
+#include <QPainter>
+#include <QStyle>
+#include <QTextDocument>
+#include <QToolTip>
+
+void ShowPlainToolTip(const QHelpEvent& event, const QString& text, QWidget* widget)
+{
+    constexpr int longestLine = 100; // characters
+    // As rich text it wraps, and markup in it can be made plain.
+    const bool isRich = text.size() > longestLine || Qt::mightBeRichText(text);
+    QToolTip::showText(event.globalPos(), isRich ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text, widget);
+}
+
+bool PathLabel::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QLabel::event(event);
+    // A property would be what a screen reader describes the label by, with the markup of the tool tip.
+    ShowPlainToolTip(*static_cast<QHelpEvent*>(event), text(), this);
+    return true;
+}
+
+void PathLabel::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    const QRect room = contentsRect();
+    style()->drawItemText(&painter, room, int(alignment()), palette(), isEnabled(),
+                          fontMetrics().elidedText(text(), Qt::ElideMiddle, room.width()), foregroundRole());
+}
+
+void LineEdit::ShowText(const QString& text)
+{
+    setText(text);
+    home(false);
+}
+
+void LineEdit::focusInEvent(QFocusEvent* event)
+{
+    QLineEdit::focusInEvent(event);
+    if (!selectedText().isEmpty() && selectedText() == text()) {
+        end(false);
+        home(true);
+    }
+}
