@@ -14,7 +14,7 @@ namespace
 {
 constexpr unsigned long dialogPollInterval = 50; // milliseconds
 
-/// Whether a folder named by these tags is, or lies behind, a link that leads out of @p outputFolder, or nowhere yet.
+/// Whether a folder named by these tags is, or lies below, a link that leads out of @p outputFolder, or nowhere yet.
 bool LeadsOut(const QString& outputFolder, const QStringList& folderTags)
 {
     const auto canonical = [](const QString& path) {
@@ -133,7 +133,7 @@ bool ProcessThread::FixFromFileName(SAudioFile& file)
     if (!found.empty())
         tagManager.SetTags(found);
     for (const auto& [index, text] : found)
-        file.*allTags[static_cast<std::size_t>(index - 1)].field = text;
+        file.*FieldOf(index) = text;
     return incomplete;
 }
 

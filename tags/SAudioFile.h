@@ -47,3 +47,9 @@ constexpr std::array<STag, 6> allTags{{
     {Tag::Genre, "Genre", &SAudioFile::Genre, "", "Genre"},
     {Tag::Track, "Track", &SAudioFile::Track, "0", "Track"},
 }};
+
+/// Where a record keeps the tag with this Tag::Index.
+constexpr TagField FieldOf(int index)
+{
+    return allTags[static_cast<std::size_t>(index - 1)].field;
+}

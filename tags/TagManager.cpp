@@ -74,12 +74,6 @@ bool BeginsWithZerosOnly(PieceStream& stream)
     return block == blocks;
 }
 
-template <class File>
-auto& FieldOf(File& file, Tag::Index index)
-{
-    return file.*allTags[static_cast<std::size_t>(index - 1)].field;
-}
-
 TagLib::Tag* TagOf(const TagLib::FileRef& file)
 {
     return file.isNull() ? nullptr : file.tag();
@@ -146,7 +140,7 @@ SAudioFile TagManager::ReadFile(const QString& filePath)
     SAudioFile record;
     record.Path = filePath;
     for (const STagAccess& access : tagAccess)
-        FieldOf(record, access.index) = tag ? Read(*tag, access) : unknownTag;
+        record.*FieldOf(access.index) = tag ? Read(*tag, access) : unknownTag;
     return record;
 }
 
@@ -155,6 +149,6 @@ void TagManager::WriteFile(const SAudioFile& file)
     path = file.Path;
     TagValues values;
     for (const STagAccess& access : tagAccess)
-        values.emplace_back(access.index, FieldOf(file, access.index));
+        values.emplace_back(access.index, file.*FieldOf(access.index));
     SetTags(values);
 }

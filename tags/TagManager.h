@@ -36,7 +36,7 @@ public:
 
     /// Writes tags in this order and saves the file once. Year and Track store the number that a text begins with, else
     /// 0. A tag that already reads as its text is left alone, so that what plain text cannot express survives: a full
-    /// date behind the year, "3/12" behind the track, several artists.
+    /// date where the year is, "3/12" where the track is, several artists.
     /// @return false when the file cannot be opened or has no tags. Whether the save succeeded is not reported by
     /// design; a file that cannot be saved whole is left as it was.
     bool SetTags(const TagValues& values) const;
