@@ -72,7 +72,7 @@ Outside::~Outside()
 
 Answers::Answers(QList<Answer> inOrder) : answers(std::move(inOrder))
 {
-    // Started anew each time: a timer is not told again while an answer is still inside the dialog that it opened.
+    // Started again each time: a repeating timer stays silent while an answer is still inside the dialog it opened.
     timer.setSingleShot(true);
     QObject::connect(&timer, &QTimer::timeout, [this] {
         timer.start(lookInterval);

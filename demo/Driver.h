@@ -20,7 +20,7 @@ Widget* Child(const QObject& parent, const char* name)
 }
 
 void Click(const QObject& parent, const char* button);
-/// Chooses an entry as the user does, so that the box tells its activation.
+/// Chooses an entry as the user does, so that the box signals its activation.
 void Choose(const QObject& parent, const char* comboBox, int index);
 /// Replaces the text of a line edit by typing.
 void Type(const QObject& parent, const char* lineEdit, const QString& text);

@@ -26,6 +26,7 @@ endforeach()
 install(FILES resources/Logo-transparent.svg DESTINATION ${ICON_FOLDER}/scalable/apps RENAME ${APPLICATION_ID}.svg)
 install(FILES resources/Profile.svg DESTINATION ${ICON_FOLDER}/scalable/mimetypes RENAME ${PROFILE_ICON}.svg)
 
-# The folder docs stays one there, so that the pages find each other and their pictures.
+# Folders stay folders there, so that the pages find each other and their pictures.
 install(FILES README.md CONTRIBUTING.md CHANGELOG.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES benchmarks/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/benchmarks)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -7,8 +7,8 @@
 #include <sys/inotify.h>
 #include <unistd.h>
 
-/// Counts how often each file of one folder is opened while it lives, as Linux tells it. An opening within another one
-/// of the same file is not told apart.
+/// Counts how often each file of one folder is opened while it lives, as Linux reports it. An opening within another
+/// one of the same file does not count.
 class Openings
 {
 public:
