@@ -19,6 +19,35 @@ constexpr int longestText = 1000; // characters
 constexpr int mostLines = 12;
 constexpr QSize scrolledText(500, 300);
 
+const QWidget* MainWindowOnScreen()
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto main = std::find_if(windows.begin(), windows.end(), [](const QWidget* window) {
+        return qobject_cast<const QMainWindow*>(window) && window->isVisible();
+    });
+    return main == windows.end() ? nullptr : *main;
+}
+
+void MoveToMiddle(QDialog& dialog)
+{
+    if (const QWidget* const main = MainWindowOnScreen())
+        dialog.move(main->geometry().center() - dialog.rect().center());
+}
+
+/// A message box has its size only once it is shown.
+class Box : public QMessageBox
+{
+public:
+    using QMessageBox::QMessageBox;
+
+protected:
+    void showEvent(QShowEvent* event) override
+    {
+        QMessageBox::showEvent(event);
+        MoveToMiddle(*this);
+    }
+};
+
 /// Shows the text of @p box in a field that scrolls, so that neither its size nor its layout grows with the text.
 /// A box that shows its text in no label is left as it is.
 void MakeScrollable(QMessageBox& box)
@@ -53,7 +82,7 @@ void NameIcon(const QMessageBox& box)
 QMessageBox::StandardButton Show(QMessageBox::Icon icon, const QString& title, const QString& text,
                                  QMessageBox::StandardButtons buttons, QMessageBox::StandardButton defaultButton)
 {
-    QMessageBox box(icon, title, QString(), buttons);
+    Box box(icon, title, QString(), buttons);
     box.setTextFormat(Qt::PlainText);
     box.setText(text);
     box.setDefaultButton(defaultButton);
@@ -76,15 +105,9 @@ void PlaceOverMainWindow(QDialog& dialog)
         window->setTitle(QStringLiteral("Orvanto"));
         dialog.setAccessibleName(QStringLiteral("Orvanto"));
     }
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    const auto main = std::find_if(windows.begin(), windows.end(), [](const QWidget* candidate) {
-        return qobject_cast<const QMainWindow*>(candidate) && candidate->isVisible();
-    });
-    if (main == windows.end())
-        return;
-    window->setTransientParent((*main)->windowHandle());
-    dialog.adjustSize();
-    dialog.move((*main)->geometry().center() - dialog.rect().center());
+    if (const QWidget* const main = MainWindowOnScreen())
+        window->setTransientParent(main->windowHandle());
+    MoveToMiddle(dialog);
 }
 
 QMessageBox::StandardButton Ask(const QString& text, QMessageBox::StandardButtons buttons)
