@@ -5,7 +5,7 @@
 #include "support/Driver.h"
 #include "support/Sandbox.h"
 #ifdef Q_OS_LINUX
-#include "support/Openings.h"
+#include "benchmarks/Openings.h"
 #endif
 
 #include <QElapsedTimer>
