@@ -122,6 +122,7 @@ private:
     void BeginStage(const QString& status);
     [[nodiscard]] bool Pump();
 
+    void TakeOutputFolder(const QString& folder);
     void SignalSettingsChanged();
     void UpdateOutputPreview();
     QString GenerateCurrentFilename() const;

@@ -78,7 +78,13 @@ void MainWindow::on_checkDeleteOriginal_clicked(bool checked)
 
 void MainWindow::on_editOutputFolder_textEdited(const QString& text)
 {
-    settings.outputFolder = WithoutLineBreaks(WithForwardSlashes(text));
+    TakeOutputFolder(WithoutLineBreaks(text));
+}
+
+/// Takes over a folder that was typed or read from a profile, where a carriage return belongs to it.
+void MainWindow::TakeOutputFolder(const QString& folder)
+{
+    settings.outputFolder = WithForwardSlashes(folder);
     UpdateOutputPreview();
     if (!loading)
         OpenSettings().setValue(SettingsKey::outputFolder, settings.outputFolder);

@@ -5,7 +5,7 @@
 #include "files/FilePath.h"
 #include "platform/UserSettings.h"
 #ifdef Q_OS_LINUX
-#include "tests/support/Openings.h"
+#include "benchmarks/Openings.h"
 #endif
 
 #include <QElapsedTimer>

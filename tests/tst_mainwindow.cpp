@@ -2,92 +2,151 @@
 #include "demo/AudioSamples.h"
 #include "demo/Driver.h"
 #include "demo/Sandbox.h"
-#include "files/FilePath.h"
 #include "platform/UserSettings.h"
-#ifdef Q_OS_LINUX
-#include "tests/support/Openings.h"
-#endif
+#include "tags/TagManager.h"
 
-#include <QComboBox>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMediaPlayer>
+#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QStyledItemDelegate>
 
 namespace
 {
-/// Counts how often the list asks for the size of a row, which is what laying rows out costs.
-class CountingDelegate : public QStyledItemDelegate
-{
-public:
-    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
-    {
-        ++sizes;
-        return QStyledItemDelegate::sizeHint(option, index);
-    }
-    mutable int sizes = 0;
-};
-
-const QStringList addEntries{"File(s)", "Folder", "Folder with Subfolders", "Search"};
-const QStringList removeEntries{"Selected", "All"};
-const QStringList listEntries{"Edit Tags", "Batch Edit Tags", "-", "Remove"};
-const QString removeAll = "Are you sure you want to remove all the files in the list?";
-const QString clearedInfo = "Artist:\nTitle:\nAlbum:\nYear:\nGenre:\nTrack:";
-const QString advice =
-    "\nOrvanto could not fix the invalid tags. For better results try to manually edit the tags or try a "
-    "different organize/rename pattern.";
+const QString cleared = "textInfo=Artist:|Title:|Album:|Year:|Genre:|Track:; editOutputPreview=";
+const QString fullInfo = "textInfo=Artist: A|Title: T|Album: L|Year: 1999|Genre: G|Track: 7";
+const QString bareInfo = "textInfo=Artist: |Title: |Album: |Year: 0|Genre: |Track: 0";
+const QString updating = "Updating audio file list...";
+const QString advice = "\nOrvanto could not fix the invalid tags. For better results try to manually edit the tags or "
+                       "try a different organize/rename pattern.";
 const QString deleteOriginals =
     "You have chosen to delete the original files after processing. The files with processing errors will not be "
     "deleted. Even so, we advise you to make backup copies of the original files before proceeding. Continue?";
+const QString applyTags = "Are you sure you want to apply these tags to all the audio files in the list?";
+
+const QMap<QString, QStringList> menus{{"buttonAdd", {"File(s)", "Folder", "Folder with Subfolders", "Search"}},
+                                       {"buttonRemove", {"Selected", "All"}},
+                                       {"row", {"Edit Tags", "Batch Edit Tags", "-", "Remove"}}};
 
 QString Home(const QString& path)
 {
     return Sandbox::Home() + '/' + path;
 }
 
+/// The paths in the home that @p text names, separated by "|".
+QStringList Paths(const QString& text)
+{
+    return text.split('|', Qt::SkipEmptyParts).replaceInStrings(QRegularExpression("^"), Home(""));
+}
+
+void Put(const QString& sample, const QString& paths)
+{
+    for (const QString& path : Paths(paths)) {
+        PutSample(sample, path);
+        if (sample.startsWith("full"))
+            TagManager().WriteFile({"T", "A", "L", "1999", "G", "7", path});
+    }
+}
+
+/// Whether a caption, where it is one, is not drawn whole.
+bool IsCut(const QWidget& caption)
+{
+    if (const auto* const button = qobject_cast<const QPushButton*>(&caption)) // whose size hint has a least width
+        return button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width() > button->width();
+    const auto* const label = qobject_cast<const QLabel*>(&caption);
+    if (label && label->wordWrap())
+        return label->heightForWidth(label->width()) > label->height();
+    return (label || caption.inherits("QAbstractButton")) && caption.sizeHint().width() > caption.width();
+}
+
+/// What @p window shows, as "name=value": every control's value, with "(off)" when it takes no input; captions that
+/// are cut. "~" is the home folder.
+QStringList Visible(const QWidget& window)
+{
+    static const QRegularExpression names("^(button|check|combo|edit|list|progress|radio|text)[A-Z]|Label$");
+    QStringList seen{"title=" + window.windowTitle() + (window.isVisible() ? "" : " (closed)")};
+    for (const auto* const widget : window.findChildren<QWidget*>()) {
+        const QString name = widget->objectName();
+        if (widget->window() != &window || !widget->isVisible())
+            continue;
+        if (IsCut(*widget) && name != "textFilePath" && name != "textInfo")
+            seen += "cut=" + name;
+        if (!name.contains(names))
+            continue;
+        const bool checkable = widget->property("checkable").toBool();
+        QVariant value = widget->property(checkable ? "checked" : "text");
+        if (const auto* const list = qobject_cast<const QListWidget*>(widget)) {
+            QStringList rows;
+            for (int row = 0; row < list->count(); ++row)
+                rows += (list->item(row)->isSelected() ? ">" : "") + list->item(row)->text();
+            value = rows.join('|');
+        }
+        seen += name + '=' + (value.isValid() ? value : widget->property("currentText")).toString() +
+                (widget->isEnabled() ? "" : " (off)");
+    }
+    return seen.replaceInStrings(Sandbox::Home(), "~").replaceInStrings("\n", "|");
+}
+
+/// Fails the test unless exactly what @p expected lists, separated by "; ", is seen, in any order.
+void Compare(QStringList seen, const QString& expected)
+{
+    QStringList missing;
+    for (const QString& line : expected.split("; ", Qt::SkipEmptyParts)) {
+        if (!seen.removeOne(line))
+            missing += line;
+    }
+    const QString difference = "seen: " + seen.join("; ") + " missing: " + missing.join("; ");
+    QVERIFY2(seen.isEmpty() && missing.isEmpty(), qPrintable(difference));
+}
+
+/// Compares all that a dialog shows before it goes on.
+Answer Shows(const QString& expected, const Answer& then)
+{
+    return [=](QWidget* dialog) {
+        Compare(Visible(*dialog), expected);
+        then(dialog);
+    };
+}
+
+/// Types into line edits of a dialog, "name=text; name=text", and clicks a button there; closes it without one.
+Answer Fill(const QString& texts, const char* button = nullptr)
+{
+    return [=](QWidget* dialog) {
+        for (const QString& text : texts.split("; ", Qt::SkipEmptyParts))
+            Type(*dialog, qPrintable(text.section('=', 0, 0)), text.section('=', 1));
+        if (button)
+            Click(*dialog, button);
+        else
+            dialog->close();
+    };
+}
+
+/// Answers a file dialog that must start in the folder @p start of the home with these paths there; none cancels it.
+Answer Pick(const QString& start, const QString& caption, const QString& paths = {})
+{
+    return [=](QWidget* dialog) {
+        QCOMPARE(qobject_cast<QFileDialog*>(dialog)->directory().path(), Home(start));
+        Files(caption, Paths(paths))(dialog);
+    };
+}
+
 const Answer success =
     Box(QMessageBox::Information, "Operation finished successfully!", QMessageBox::Ok, QMessageBox::Ok);
-const Answer closeSocial = Dialog("Give Us a Like", [](QWidget* shown) { shown->close(); });
-
-/// Types into the line edits of a dialog and clicks a button there.
-Answer Fill(const QString& title, const QMap<QString, QString>& texts, const char* button)
-{
-    return Dialog(title, [=](QWidget* dialog) {
-        for (auto text = texts.begin(); text != texts.end(); ++text)
-            Type(*dialog, qPrintable(text.key()), text.value());
-        Click(*dialog, button);
-    });
-}
-
-/// The texts above the fields of the tag editor and on its buttons, as far as they can be seen, without the path.
-QString Visible(const QWidget& editor)
-{
-    QStringList texts;
-    for (const char* name : {"fileLabel", "actionLabel", "buttonOnlineSearch", "buttonPlay", "buttonStop", "buttonOK",
-                             "buttonSkip", "buttonAbort"}) {
-        if (Child<QWidget>(editor, name)->isVisible())
-            texts += Child<QWidget>(editor, name)->property("text").toString();
-    }
-    return texts.join('|');
-}
-
-Answer ExitPrompt(QMessageBox::StandardButton answer)
-{
-    return Box(QMessageBox::Question, "You have unsaved changes. Do you want to save your settings?",
-               QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, answer);
-}
+const Answer closeSocial = Dialog("Give Us a Like", Fill({}));
 } // namespace
 
+/// Stories through the real window. A step names what it changes of all that is to be seen; everything else must stay.
 class TestMainWindow : public QObject
 {
     Q_OBJECT
 
 private:
     std::unique_ptr<MainWindow> window;
+    std::unique_ptr<Outside> outside;
+    QStringList before;
+    QStringList moves; ///< of the progress bar
 
     template <class Widget>
     Widget* Get(const char* name) const
@@ -95,742 +154,644 @@ private:
         return Child<Widget>(*window, name);
     }
     QListWidget& List() const { return *Get<QListWidget>("listAudioFiles"); }
-    QString Preview() const { return Get<QLineEdit>("editOutputPreview")->text(); }
-    QString Info() const { return Get<QLabel>("textInfo")->text(); }
-    bool IsIdle() const
-    {
-        bool idle = !Get<QProgressBar>("progressOrganize")->isEnabled();
-        for (const char* name : {"buttonOrganize", "listAudioFiles", "buttonAdd", "buttonRemove"})
-            idle = idle && Get<QWidget>(name)->isEnabled();
-        return idle && Get<QLabel>("textProgress")->text().isEmpty() &&
-               Get<QProgressBar>("progressOrganize")->value() == 0;
-    }
+    QPoint Place(int row) const { return List().visualItemRect(List().item(row)).center(); }
+    QString Status() const { return Get<QLabel>("textProgress")->text(); }
+    bool IsIdle() const { return Get<QWidget>("buttonOrganize")->isEnabled(); }
+    static Answer Yes(const QString& question) { return Question(question, QMessageBox::Yes); }
+    static Answer No(const QString& question) { return Question(question, QMessageBox::No); }
 
-    /// The rows, relative to the home folder.
-    QString Rows() const
+    void Open()
     {
-        QStringList rows;
-        for (int row = 0; row < List().count(); ++row)
-            rows += List().item(row)->text().remove(Home(""));
-        return rows.join('|');
-    }
-
-    /// Every file below @p folder of the home folder, relative to it and sorted.
-    static QString Tree(const QString& folder)
-    {
-        QStringList paths = FilesBelow(Home(folder));
-        for (QString& path : paths)
-            path.remove(Home(folder) + '/');
-        return paths.join('|');
-    }
-
-    void Press(int row, Qt::MouseButton button = Qt::LeftButton)
-    {
-        const QPoint point = List().visualItemRect(List().item(row)).center();
-        QCursor::setPos(List().viewport()->mapToGlobal(point));
-        QTest::mouseClick(List().viewport(), button, {}, point);
-    }
-
-    /// Does something that dialogs and menus follow, which @p answers answer.
-    void Do(const std::function<void()>& action, const QList<Answer>& answers)
-    {
-        Answers dialogs(answers);
-        action();
-        QTRY_VERIFY_WITH_TIMEOUT(IsIdle(), 20000);
-        dialogs.Finish();
-    }
-    void FromList(int row, const QString& entry, const QList<Answer>& answers)
-    {
-        Do(
-            [&] {
-                Press(row, Qt::RightButton);
-                emit List().customContextMenuRequested({}); // what the window system sends after the press
-            },
-            QList<Answer>{Entry(listEntries, entry)} + answers);
-    }
-    void FromButton(const char* button, const QString& entry, const QList<Answer>& answers)
-    {
-        const QStringList& entries = addEntries.contains(entry) ? addEntries : removeEntries;
-        Do([&] { Click(*window, button); }, QList<Answer>{Entry(entries, entry)} + answers);
-    }
-    void Run(const QList<Answer>& answers)
-    {
-        Do([&] { Click(*window, "buttonOrganize"); }, answers);
-    }
-    void Trigger(const char* action, const QList<Answer>& answers)
-    {
-        Do([&] { Get<QAction>(action)->trigger(); }, answers);
-    }
-
-private slots:
-    void init()
-    {
-        Sandbox::Reset();
         window = std::make_unique<MainWindow>(nullptr);
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+        connect(Get<QProgressBar>("progressOrganize"), &QProgressBar::valueChanged, this, &TestMainWindow::KeepMove);
+    }
+
+    /// Keeps "status percent percent...", with "!" for each control that could change the list meanwhile.
+    void KeepMove(int value)
+    {
+        QString status = Status().section(' ', 0, 0).remove("...");
+        for (const char* name : {"buttonOrganize", "buttonAdd", "buttonRemove", "listAudioFiles"})
+            status += Get<QWidget>(name)->isEnabled() ? "!" : "";
+        if (value > 0 && !moves.join("").contains(status))
+            moves += status;
+        if (value > 0)
+            moves.last() += ' ' + Get<QProgressBar>("progressOrganize")->text();
+    }
+
+    /// The window, the stored settings, the files in each folder of the home.
+    QStringList Now() const
+    {
+        QStringList seen = Visible(*window);
+        auto store = OpenSettings();
+        store.setFallbacksEnabled(false);
+        for (const QString& key : store.allKeys())
+            seen += '[' + key + "]=" + store.value(key).toString().replace(Sandbox::Home(), "~");
+        for (const QString& folder : QDir(Home("")).entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+            seen += "~/" + folder + '=' + FilesBelow(Home(folder)).join('|').remove(Home(folder) + '/');
+        return seen;
+    }
+
+    /// Compares what is new since the last look.
+    void Changed(const QString& expected)
+    {
+        QStringList now = Now();
+        now.swap(before);
+        QStringList seen = before + moves + outside->opened.replaceInStrings(QRegularExpression("^"), "opened=");
+        for (const QString& line : now)
+            seen.removeOne(line);
+        moves.clear();
+        outside->opened.clear();
+        Compare(seen.replaceInStrings(Sandbox::Home(), "~"), expected);
+    }
+
+    /// Does it as the user would: "drop PATHS", "press ROW", "row ROW ENTRY" of its menu, "actionX", "comboX INDEX",
+    /// "editX TEXT", "buttonX", "buttonX ENTRY" of its menu.
+    void Act(const QString& act)
+    {
+        const QByteArray name = act.section(' ', 0, 0).toLatin1();
+        const QString rest = act.section(' ', 1);
+        if (name == "drop") {
+            DropOn(*window, Paths(rest));
+        } else if (name == "press") {
+            QTest::mouseClick(List().viewport(), Qt::LeftButton, {}, Place(rest.toInt()));
+        } else if (name == "row") {
+            const QPoint place = Place(rest.section(' ', 0, 0).toInt());
+            QCursor::setPos(List().viewport()->mapToGlobal(place));
+            QTest::mouseClick(List().viewport(), Qt::RightButton, {}, place);
+            QContextMenuEvent wanted(QContextMenuEvent::Mouse, place, QCursor::pos()); // follows from the system
+            QApplication::sendEvent(List().viewport(), &wanted);
+        } else if (name == "close") {
+            window->close();
+        } else if (name.startsWith("action")) {
+            Get<QAction>(name)->trigger();
+        } else if (name.startsWith("combo")) {
+            Choose(*window, name, rest.toInt());
+        } else if (name.startsWith("edit")) {
+            Type(*window, name, rest);
+        } else {
+            Click(*window, name);
+        }
+    }
+
+    /// Answers to the menu that @p act opens, if it does, and to the dialogs that follow.
+    static QList<Answer> Followed(const QString& act, const QList<Answer>& answers)
+    {
+        const QStringList entries = menus[act.section(' ', 0, 0)];
+        const QString entry = act.section(' ', act.startsWith("row") ? 2 : 1);
+        return (entries.isEmpty() ? QList<Answer>() : QList<Answer>{Entry(entries, entry)}) + answers;
+    }
+
+    /// Does one thing after another, "ACT; ACT".
+    void Do(const QString& acts, const QList<Answer>& answers = {})
+    {
+        for (const QString& act : acts.split("; ")) {
+            if (QTest::currentTestFailed())
+                return;
+            if (QFile store(OpenSettings().fileName()); store.fileName().endsWith(".conf") && store.open(QFile::Append))
+                store.write("\n"); // so that the file is read again: there, everything is text
+            Answers dialogs(Followed(act, answers));
+            before = Now();
+            moves.clear();
+            Act(act);
+            QVERIFY(QTest::qWaitFor([this] { return IsIdle(); }, 4000));
+            dialogs.Finish();
+        }
+    }
+    void Step(const QString& act, const QList<Answer>& answers, const QString& changes)
+    {
+        Do(act, answers);
+        if (!QTest::currentTestFailed())
+            Changed(changes);
+    }
+
+    /// Does something at every turn of the event loop while the timer lives.
+    static std::unique_ptr<QTimer> EachTurn(const std::function<void()>& action)
+    {
+        auto timer = std::make_unique<QTimer>();
+        timer->callOnTimeout(action);
+        timer->start(0);
+        return timer;
+    }
+
+    /// Whether the program ends by @p act, rather than going on.
+    bool Ends(const QString& act, const QList<Answer>& answers)
+    {
+        before = Now();
+        Answers dialogs(Followed(act, answers));
+        QObject context;
+        QTimer::singleShot(0, &context, [&] {
+            Act(act);
+            QTimer::singleShot(IsIdle() ? 0 : 3000, &context, [] { QCoreApplication::exit(1); });
+        });
+        const bool ended = QCoreApplication::exec() == 0;
+        dialogs.Finish();
+        return ended;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QFont large = QApplication::font();
+        large.setPointSizeF(large.pointSizeF() * 1.5); // every caption has to fit
+        QApplication::setFont(large);
+    }
+
+    void init()
+    {
+        Sandbox::Reset();
+        outside = std::make_unique<Outside>();
+        before.clear();
+        Open();
     }
 
     void cleanup()
     {
         window.reset();
+        outside.reset();
         QCOMPARE(Sandbox::TakeWarnings(), QStringList()); // a slot that is bound to nothing shows only so
     }
 
-    void startsInItsDefaultState()
+    void listsFiles()
     {
-        QCOMPARE(window->size(), QSize(780, 560));
-        QCOMPARE(Get<QComboBox>("comboOrganizeBy")->currentText(), QString("Artist"));
-        QCOMPARE(Get<QComboBox>("comboRename")->currentText(), QString("Artist-Title"));
-        QVERIFY(Get<QAbstractButton>("radioFixAuto")->isChecked());
-        QVERIFY(Get<QAbstractButton>("checkOnlyEditInvalid")->isChecked());
-        QVERIFY(!Get<QWidget>("checkOnlyEditInvalid")->isEnabled() && !Get<QWidget>("groupAudioPlayer")->isVisible());
-        QVERIFY(Get<QLineEdit>("editOutputFolder")->text() == Home("Music") && IsIdle() && Info() == clearedInfo);
-        QVERIFY(Get<QWidget>("label")->testAttribute(Qt::WA_MacSmallSize));
-        QVERIFY(!Get<QWidget>("buttonAdd")->testAttribute(Qt::WA_MacSmallSize));
-        for (const char* button : {"buttonAdd", "buttonRemove", "buttonPlay", "buttonStop", "buttonOrganize"})
-            QVERIFY2(!Get<QPushButton>(button)->icon().isNull(), button);
-        Run({Warning("There are no audio files to process.")});
-    }
+        Changed("title=Orvanto; listAudioFiles=; buttonAdd=Add; buttonRemove=Remove; buttonOrganize=Start      ; "
+                "comboOrganizeBy=Artist; comboRename=Artist-Title; checkSkipOrganize=false; radioFixAuto=true; "
+                "radioFixMan=false; checkOnlyEditInvalid=true (off); editOutputFolder=~/Music; "
+                "checkDeleteOriginal=false; buttonBrowseOutFold=Browse; textOutputPreview=Output Preview; "
+                "progressOrganize=0% (off); ~/Documents=; ~/Music=; " +
+                cleared);
+        Step("buttonOrganize", {Warning("There are no audio files to process.")}, "");
 
-    void addsFiles_data()
-    {
-        for (const char* column : {"choice", "key", "rows"})
-            QTest::addColumn<QString>(column);
-        const QString folder =
-            "lib/b2.mp3|lib/b.mp3|lib/.h.ogg|lib/a.MP3"; // the smallest first, of equals the last name
-        const QString subfolders = folder + "|lib/sub/d.flac|lib/sub/linked/f.spx";
-        QTest::newRow("File(s)") << "lib/a.MP3|lib/notes.txt|lib/b.mp3|lib/a.MP3"
-                                 << "AddFilesPath"
-                                 << "lib/a.MP3|lib/b.mp3";
-        QTest::newRow("Folder") << "lib"
-                                << "AddFolderPath" << folder;
-        QTest::newRow("Folder with Subfolders") << "lib"
-                                                << "AddFolderPath" << subfolders;
-        QTest::newRow("Search") << "lib"
-                                << "SearchFolderPath"
-                                << "lib/sub/d.flac";
-        QTest::newRow("drop") << "other/f.spx|lib|lib/b.mp3|lib/notes.txt"
-                              << "" << subfolders + "|other/f.spx";
-    }
-    void addsFiles()
-    {
-        const QString way = QTest::currentDataTag();
-        QFETCH(QString, choice);
-        QFETCH(QString, key);
-        PutSample("full.wav", Home("lib/a.MP3"));
-        for (const char* name :
-             {"lib/b.mp3", "lib/b2.mp3", "lib/notes.txt", "lib/b.mp3.bak", "lib/nodot", "lib/.hidden/e.wv"})
-            PutSample("full.mp3", Home(name));
-        PutSample("bare.ogg", Home("lib/.h.ogg"));
-        PutSample("full.flac", Home("lib/sub/d.flac"));
-        PutSample("full.spx", Home("other/f.spx"));
-        QVERIFY(QFile::link(Home("lib/b.mp3"), Home("lib/link.mp3")) &&
-                QFile::link(Home("other"), Home("lib/sub/linked")));
-
-        bool busySeen = false;
-        QTimer watch;
-        connect(&watch, &QTimer::timeout, [this, &busySeen] {
-            if (Get<QLabel>("textProgress")->text() != "Updating audio file list..." || IsIdle())
-                return;
-            busySeen = true;
-            DropOn(*window, {Home("lib/nodot"), Home("lib/.hidden")}); // adds nothing while files are being added
+        Put("full.mp3", "lib/b.mp3|lib/b2.mp3|lib/notes.txt|lib/b.mp3.bak|lib/nodot|lib/.hidden/e.wv|late/l.mp3");
+        Put("full.wav", "lib/a.MP3");
+        Put("bare.ogg", "lib/.h.ogg");
+        Put("full.flac", "lib/sub/d.flac");
+        Put("full.spx", "other/f.spx");
+        QVERIFY(QFile::link(Home("other"), Home("lib/sub/link")) && QFile::link(Home("lib/b.mp3"), Home("lib/l.mp3")));
+        const auto drops = EachTurn([this] { // which adds nothing while files are being added
+            if (Status() == updating)
+                DropOn(*window, {Home("late")});
         });
-        watch.start(0);
+        // The smallest first, of equals the last name.
+        const QString folder = "listAudioFiles=~/lib/b2.mp3|~/lib/b.mp3|~/lib/.h.ogg|~/lib/a.MP3";
+        const QString all = folder + "|~/lib/sub/d.flac|~/lib/sub/link/f.spx", seven = " 14% 28% 42% 57% 71% 85%";
+        const QString six = "; Updating 16% 33% 50% 66% 83%", files = "Select one or more files to open";
+        Step("buttonAdd Folder", {Pick("Music", "Select folder")}, "");
+        Step("buttonAdd Folder", {Pick("Music", "Select folder", "lib")},
+             folder + "; [AddFolderPath]=~/lib; Updating 25% 50% 75%");
+        Step("buttonAdd Folder with Subfolders", {Pick("lib", "Select folder", "lib")}, all + six);
+        Step("buttonAdd File(s)", {Pick("Music", files)}, "");
+        Step("buttonAdd File(s)", {Pick("Music", files, "other/f.spx|lib/notes.txt|lib/b.mp3|other/f.spx")},
+             all + "|~/other/f.spx; [AddFilesPath]=~/other; Updating" + seven);
+        Step("buttonAdd File(s)", {Pick("other", files)}, "");
 
-        QStringList chosen = choice.split('|');
-        chosen.replaceInStrings(QRegularExpression("^"), Home(""));
-        const QString caption = way == "File(s)" ? "Select one or more files to open" : "Select folder";
-        for (int time = 0; time < 2; ++time) {
-            if (way == "drop")
-                DropOn(*window, chosen);
-            else if (way != "Search")
-                FromButton("buttonAdd", way, {Files(caption, chosen)});
-            else
-                FromButton("buttonAdd", way, {Dialog("Search", [&](QWidget* search) {
-                               Type(*search, "editSearchPath", QString(chosen.first()).replace('/', '\\'));
-                               Choose(*search, "comboSearchMask", 3);
-                               if (time == 0)
-                                   Click(*search, "checkSearchSubfolders");
-                               Click(*search, "buttonOK");
-                           })});
-            QTEST(Rows(), "rows");
-            QVERIFY(IsIdle() && busySeen);
-        }
-        if (way == "Search") { // all types are accepted again
-            DropOn(*window, {Home("other")});
-            QVERIFY(Rows().endsWith("|other/f.spx"));
-        } else if (way != "drop") {
-            FromButton("buttonAdd", way, {Files(caption, {})});
-            QTEST(Rows(), "rows");
-        }
-        QVERIFY(key.isEmpty() || OpenSettings().value(key).toString() == Home("lib"));
+        const QString removeAll = "Are you sure you want to remove all the files in the list?";
+        Do("press 0");
+        Step("buttonRemove All", {No(removeAll)}, "");
+        Step("buttonRemove All", {Yes(removeAll)}, "listAudioFiles=; " + cleared);
+        Step("buttonRemove All", {}, "");
+        Step("buttonRemove Selected", {}, "");
+        Step("buttonAdd Folder with Subfolders", {Pick("lib", "Select folder", "other")},
+             "listAudioFiles=~/other/f.spx; [AddFolderPath]=~/other");
+        Do("buttonRemove All", {Yes(removeAll)});
+        Step("drop other/f.spx|lib|lib/b.mp3|lib/notes.txt", {}, all + "|~/other/f.spx; Updating" + seven);
     }
 
-    void captionsFitALargeFont()
+    void searches()
     {
-        const QFont usual = QApplication::font();
-        const auto restore = qScopeGuard([&usual] { QApplication::setFont(usual); });
-        QFont large = usual;
-        large.setPointSizeF(usual.pointSizeF() * 1.5);
-        QApplication::setFont(large);
-        window = std::make_unique<MainWindow>(nullptr);
-        window->show();
-
-        const auto check = [](const QWidget* shown) {
-            for (const auto* const button : shown->findChildren<QAbstractButton*>()) {
-                const int text = button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width();
-                const bool isPushButton = qobject_cast<const QPushButton*>(button);
-                const int needed = isPushButton ? text : button->sizeHint().width();
-                QVERIFY2(!button->isVisible() || needed <= button->width(), qPrintable(button->text()));
-            }
-            for (const auto* const label : shown->findChildren<QLabel*>()) {
-                const bool whole = label->wordWrap() ? label->heightForWidth(label->width()) <= label->height()
-                                                     : label->sizeHint().width() <= label->width();
-                QVERIFY2(whole || !label->isVisible() || label->objectName() == "textFilePath",
-                         qPrintable(label->text()));
-            }
-        };
-        const auto look = [&check](const char* title, const char* button = nullptr) {
-            return Dialog(title, [=](QWidget* shown) {
-                check(shown);
-                if (button)
-                    Click(*shown, button);
-                else
-                    shown->close();
+        Put("full.mp3", "lib/1.mp3");
+        Put("full.flac", "lib/2.FLAC|lib/sub/3.flac");
+        const QString buttons = "title=Search; buttonBrowse=Browse; buttonOK=OK; buttonCancel=Cancel; ";
+        const auto choose = [&buttons](const QString& shown, const char* button) {
+            return Shows(buttons + shown, [button](QWidget* search) {
+                Choose(*search, "comboSearchMask", 3);
+                Click(*search, "checkSearchSubfolders");
+                Fill("editSearchPath=" + Home("lib").replace('/', '\\'), button)(search);
             });
         };
-        check(window.get());
-        QVERIFY(Get<QWidget>("label_4")->font().pixelSize() > 0 && Get<QWidget>("label_2")->font().pixelSize() < 0);
-        DropOn(*window, {PutSample("full.mp3", Home("x/1.mp3"))});
-        FromList(0, "Edit Tags", {look("Edit Tags", "buttonAbort")});
-        FromList(0, "Batch Edit Tags", {look("Batch Edit Tags", "buttonAbort")});
-        FromButton("buttonAdd", "Search", {look("Search")});
-        Trigger("actionAbout", {look("About Us")});
-        Do([this] { Choose(*window, "comboRename", 6); }, {look("Custom Rename")});
-        Run({success, look("Give Us a Like")});
-    }
-
-    void layoutGrowsWithTheRows()
-    {
-        CountingDelegate delegate;
-        List().setItemDelegate(&delegate);
-        int made = 0;
-        for (const int count : {600, 1200}) {
-            for (; made < count; ++made)
-                PutSample("bare.spx", Home(QString("many/%1.spx").arg(made)));
-            DropOn(*window, {Home("many")});
-            QCOMPARE(List().count(), count);
-            delegate.sizes = 0;
-            Press(0);
-            FromButton("buttonRemove", "Selected",
-                       {Question("Are you sure you want to remove the selected file?", QMessageBox::Yes)});
-            QVERIFY2(delegate.sizes >= count - 1 && delegate.sizes <= count * 3 / 2,
-                     qPrintable(QString::number(delegate.sizes)));
-        }
-    }
-
-    void opensEachFileOnce()
-    {
-#ifdef Q_OS_LINUX
-        QMap<QString, int> once, twice;
-        for (const QString& extension : AudioExtensions()) {
-            PutSample("full." + extension, Home("lib/x." + extension));
-            once["x." + extension] = 1;
-            twice["x." + extension] = 2;
-        }
-        Openings openings(Home("lib"));
-        DropOn(*window, {Home("lib")});
-        QCOMPARE(openings.Take(), once);
-        Run({success, closeSocial});
-        QCOMPARE(openings.Take(), twice); // copied, and read for the new list
-#else
-        QSKIP("Nothing here tells of openings.");
-#endif
-    }
-
-    void searchesForEachType()
-    {
-        for (const QString& extension : AudioExtensions())
-            PutSample("full." + extension, Home("lib/x." + extension.toUpper()));
-        OpenSettings().setValue("SearchFolderPath", Home("lib"));
-        QString rows;
-        for (int mask = 0; mask < AudioExtensions().size(); ++mask) {
-            FromButton("buttonAdd", "Search", {Dialog("Search", [mask](QWidget* search) {
-                           Choose(*search, "comboSearchMask", mask);
-                           Click(*search, "buttonOK");
-                       })});
-            rows += "lib/x." + AudioExtensions().at(mask).toUpper() + '|';
-            QCOMPARE(Rows() + '|', rows);
-        }
+        for (const char* key : {"OutputFolderPath", "AddFilesPath", "SearchFolderPath"})
+            OpenSettings().setValue(key, QStringList{"a", "b"}); // garbage reads as the default
+        OpenSettings().setValue("SearchSubfolders", "garbage");
+        OpenSettings().setValue("SearchMask", 10);
+        Step("buttonAdd File(s)", {Pick("Music", "Select one or more files to open")}, "");
+        Step("buttonAdd Search",
+             {choose("editSearchPath=~/Music; checkSearchSubfolders=false; comboSearchMask=*.mp3", "buttonCancel")},
+             "[SearchFolderPath]=~/lib; [SearchSubfolders]=true; [SearchMask]=3");
+        Step("buttonAdd Search",
+             {choose("editSearchPath=~/lib; checkSearchSubfolders=true; comboSearchMask=*.flac", "buttonOK")},
+             "listAudioFiles=~/lib/2.FLAC; [SearchSubfolders]=false");
+        const auto browse = [](QWidget* search) {
+            for (const char* button : {"buttonBrowse", "buttonBrowse", "checkSearchSubfolders"})
+                Click(*search, button);
+            Compare(Visible(*search).filter("Path"), "editSearchPath=~/lib/sub");
+            Click(*search, "buttonOK");
+        };
+        Step("buttonAdd Search", {browse, Pick("lib", "Select folder", "lib/sub"), Pick("lib/sub", "Select folder")},
+             "listAudioFiles=~/lib/2.FLAC|~/lib/sub/3.flac; [SearchFolderPath]=~/lib/sub; [SearchSubfolders]=true; "
+             "Updating 50%");
+        Step("buttonAdd Search", {Fill("editSearchPath=", "buttonOK")}, "[SearchFolderPath]=");
+        // Every type is accepted again.
+        Step("drop lib/1.mp3", {}, "listAudioFiles=~/lib/2.FLAC|~/lib/sub/3.flac|~/lib/1.mp3; Updating 33% 66%");
     }
 
     void selectsAndRemoves()
     {
-        for (const char* name : {"1.mp3", "2.ogg", "3.wv"})
-            PutSample((*name == '1' ? "full" : "bare") + QString(name + 1), Home("x/" + QString(name)));
-        DropOn(*window, {Home("x/1.mp3"), Home("x/2.ogg"), Home("x/3.wv")});
-        Press(0);
-        const QString full =
-            "Artist: Björk Ärger\nTitle: Tone of Ten\nAlbum: Small Files\nYear: 1999\nGenre: Rock\nTrack: 7";
-        QCOMPARE(Info(), full);
-        QCOMPARE(Preview(), Home("Music/Björk Ärger/Björk Ärger-Tone of Ten.mp3"));
+        Put("full.mp3", "x/1.mp3");
+        Put("bare.ogg", "x/2.ogg");
+        Put("bare.wv", "x/3.wv");
+        const QString preview = "editOutputPreview=~/Music/Artist/Artist-Title.",
+                      sure = "Are you sure you want to remove the selected file?";
+        Step("drop x/1.mp3|x/2.ogg|x/3.wv", {}, "listAudioFiles=~/x/1.mp3|~/x/2.ogg|~/x/3.wv; Updating 33% 66%");
+        Step("buttonRemove Selected", {}, "");
+        Step("press 0", {},
+             "listAudioFiles=>~/x/1.mp3|~/x/2.ogg|~/x/3.wv; editOutputPreview=~/Music/A/A-T.mp3; " + fullInfo);
         QTest::keyClick(&List(), Qt::Key_Down);
-        QCOMPARE(Info(), QString("Artist: \nTitle: \nAlbum: \nYear: 0\nGenre: \nTrack: 0"));
-        QCOMPARE(Preview(), Home("Music/Artist/Artist-Title.ogg"));
+        Changed("listAudioFiles=~/x/1.mp3|>~/x/2.ogg|~/x/3.wv; " + bareInfo + "; " + preview + "ogg");
+        QTest::mousePress(List().viewport(), Qt::LeftButton, {}, Place(2));
+        QMouseEvent drag(QEvent::MouseMove, Place(0), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(List().viewport(), &drag);
+        QTest::mouseRelease(List().viewport(), Qt::LeftButton, {}, Place(0));
+        Changed("listAudioFiles=~/x/1.mp3|~/x/2.ogg|>~/x/3.wv; " + preview + "wv");
+        Step("press 1", {}, "listAudioFiles=~/x/1.mp3|>~/x/2.ogg|~/x/3.wv; " + preview + "ogg");
+        QTest::mouseDClick(List().viewport(), Qt::LeftButton, {}, Place(1));
+        Changed("opened=file://~/x/2.ogg");
 
-        Outside outside;
-        Press(0);
-        QTest::mouseDClick(List().viewport(), Qt::LeftButton, {}, List().visualItemRect(List().item(0)).center());
-        QCOMPARE(outside.opened, QStringList("file://" + Home("x/1.mp3")));
-
-        const auto sure = [](QMessageBox::StandardButton answer) {
-            return Question("Are you sure you want to remove the selected file?", answer);
+        Step("buttonRemove Selected", {No(sure)}, "");
+        const auto drop = [this] { // while the rows are being rebuilt
+            List().model()->disconnect(this);
+            Act("drop x/1.mp3");
         };
-        FromButton("buttonRemove", "Selected", {sure(QMessageBox::No)});
-        FromList(1, "Remove", {sure(QMessageBox::Yes)});
-        QCOMPARE(Rows(), QString("x/1.mp3|x/3.wv"));
-        QVERIFY(Info() == clearedInfo && Preview().isEmpty());
+        connect(List().model(), &QAbstractItemModel::rowsInserted, this, drop, Qt::QueuedConnection);
+        Step("row 0 Remove", {Yes(sure)}, "listAudioFiles=~/x/2.ogg|~/x/3.wv; " + cleared);
+        // Rows still find their records.
+        Step("press 1", {}, "listAudioFiles=~/x/2.ogg|>~/x/3.wv; " + bareInfo + "; " + preview + "wv");
+        Step("press 0", {}, "listAudioFiles=>~/x/2.ogg|~/x/3.wv; " + preview + "ogg");
+        Step("buttonRemove Selected", {Yes(sure)}, "listAudioFiles=~/x/3.wv; " + cleared);
         // Without a new press, the file that moved up is next; past the end, nothing goes.
-        FromButton("buttonRemove", "Selected", {sure(QMessageBox::Yes)});
-        FromButton("buttonRemove", "Selected", {sure(QMessageBox::Yes)});
-        QCOMPARE(Rows(), QString("x/1.mp3"));
-
-        // A removed file can be added again, and rows still find their records.
-        DropOn(*window, {Home("x/3.wv")});
-        Press(1);
-        QVERIFY(Preview().endsWith(".wv"));
-        FromButton("buttonRemove", "All", {Question(removeAll, QMessageBox::No)});
-        QCOMPARE(List().count(), 2);
-        FromButton("buttonRemove", "All", {Question(removeAll, QMessageBox::Yes)});
-        QCOMPARE(List().count(), 0);
-        FromButton("buttonRemove", "All", {});
-        FromButton("buttonRemove", "Selected", {});
-        emit List().customContextMenuRequested({}); // no menu over no file
+        Step("buttonRemove Selected", {Yes(sure)}, "listAudioFiles=");
+        Step("buttonRemove Selected", {Yes(sure)}, "");
+        Step("drop x/3.wv", {}, "listAudioFiles=~/x/3.wv");
+        const Answers none({}); // no menu over no file
+        QCursor::setPos(List().mapToGlobal(List().rect().center()));
+        emit List().customContextMenuRequested(List().rect().center());
     }
 
-    void settingsSteerThePreview()
+    void keepsSettingsInProfiles()
     {
-        DropOn(*window, {PutSample("full.mp3", Home("x/1.mp3"))});
-        Press(0);
-        Choose(*window, "comboOrganizeBy", 10);
-        Type(*window, "editOutputFolder", "C:\\Out\\");
-        QCOMPARE(Get<QLineEdit>("editOutputFolder")->text(), QString("C:\\Out\\"));
-        QCOMPARE(Preview(), QString("C:/Out/Rock/Björk Ärger/Small Files/Björk Ärger-Tone of Ten.mp3"));
-        QCOMPARE(OpenSettings().value("OutputFolderPath").toString(), QString("C:/Out/"));
-        QCOMPARE(window->windowTitle(), QString("Orvanto*"));
+        const QString folder = "Documents/Orvanto/Profiles", profile = "Documents/my.set.ovp";
+        Step("actionNew", {}, "[OutputFolderPath]=~/Music");
+        Put("full.mp3", "x/1.mp3");
+        Do("drop x/1.mp3; press 0");
+        Step("actionSave_Profile", {Pick(folder, "Save profile", profile)},
+             "title=Orvanto - my.set; ~/Documents=my.set.ovp");
+        const auto change = [this](const char* act, const QString& changes, const QList<Answer>& answers = {}) {
+            Step(act, answers, "title=Orvanto - my.set*; " + changes);
+            Step("actionSave_Profile", {}, "title=Orvanto - my.set");
+        };
+        const auto rename = [](const QString& typed, const char* button) {
+            return Shows("title=Custom Rename; buttonOK=OK; buttonCancel=Cancel; editRenameScheme=[Track] "
+                         "[Artist]-[Title] ([Album], [Year], [Genre])",
+                         Fill("editRenameScheme=" + typed, button));
+        };
+        change("comboOrganizeBy 10", "comboOrganizeBy=Genre/Artist/Album; editOutputPreview=~/Music/G/A/L/A-T.mp3");
+        change("comboRename 6", "comboRename=Custom; editOutputPreview=~/Music/G/A/L/7 A-T (L, 1999, G).mp3",
+               {rename("[Title].", "buttonCancel")});
+        change("comboRename 6", "editOutputPreview=~/Music/G/A/L/T [x].mp3", {rename("[Title] [x]", "buttonOK")});
+        change("editOutputFolder C:\\a=b\\",
+               "editOutputFolder=C:\\a=b\\; [OutputFolderPath]=C:/a=b/; editOutputPreview=C:/a=b/G/A/L/T [x].mp3");
+        change("buttonBrowseOutFold",
+               "editOutputFolder=~/Documents; [OutputFolderPath]=~/Documents; editOutputPreview=~/Documents/G/A/L/T "
+               "[x].mp3",
+               {Files("Select folder", Paths("Documents"))});
+        change("buttonBrowseOutFold", "", {Pick("Documents", "Select folder")});
+        const QString outputs =
+            "comboOrganizeBy=Genre/Artist/Album; comboRename=Custom; editOutputFolder=~/Documents; "
+            "buttonBrowseOutFold=Browse; checkDeleteOriginal=false; editOutputPreview=~/Documents/G/A/L/T [x].mp3; ";
+        change("checkSkipOrganize", QString(outputs).replace("; ", " (off); ") + "checkSkipOrganize=true");
+        change("checkSkipOrganize", outputs + "checkSkipOrganize=false");
+        change("radioFixMan", "radioFixAuto=false; radioFixMan=true; checkOnlyEditInvalid=true");
+        change("checkOnlyEditInvalid", "checkOnlyEditInvalid=false");
+        change("radioFixAuto", "radioFixAuto=true; radioFixMan=false; checkOnlyEditInvalid=false (off)");
+        change("radioFixMan", "radioFixAuto=false; radioFixMan=true; checkOnlyEditInvalid=false");
+        change("checkDeleteOriginal", "checkDeleteOriginal=true");
+        Compare(QString::fromUtf8(Bytes(Home(profile))).remove(Sandbox::Home()).split('\n', Qt::SkipEmptyParts),
+                "organizeBy=10; rename=6; customRenameScheme=[Title] [x]; skipOrganize=0; tagFixManual=1; "
+                "onlyEditInvalidTags=0; outputFolder=/Documents; deleteOriginal=1");
 
-        const auto chooseCustom = [this] { Choose(*window, "comboRename", 6); };
-        Do(chooseCustom, {Fill("Custom Rename", {{"editRenameScheme", "[Title]."}}, "buttonCancel")});
-        QVERIFY(Preview().endsWith("/7 Björk Ärger-Tone of Ten (Small Files, 1999, Rock).mp3"));
-        Do(chooseCustom, {Fill("Custom Rename", {{"editRenameScheme", "[Title] [x]"}}, "buttonOK")});
-        QVERIFY(Preview().endsWith("/Tone of Ten [x].mp3"));
-        for (const QStringList& answer : {QStringList(Home("Documents")), QStringList()})
-            Do([this] { Click(*window, "buttonBrowseOutFold"); }, {Files("Select folder", answer)});
-        QVERIFY(Preview().startsWith(Home("Documents/Rock")));
-        QCOMPARE(OpenSettings().value("OutputFolderPath").toString(), Home("Documents"));
+        const QString overwrite = "This will overwrite your current settings. Continue?";
+        const QString loses = "Loading a profile will overwrite your current settings. Continue?";
+        Step("actionNew", {No(overwrite)}, "");
+        Step("actionNew", {Yes(overwrite)},
+             "title=Orvanto; comboOrganizeBy=Artist; comboRename=Artist-Title; radioFixAuto=true; radioFixMan=false; "
+             "checkOnlyEditInvalid=true (off); checkDeleteOriginal=false; " +
+                 cleared + "~/Documents/A/A-T.mp3");
+        Step("actionSave_Profile", {Pick(folder, "Save profile")}, "");
+        Step("actionSave_Profile_As", {Pick(folder, "Save profile", "Documents/n.ovp")},
+             "title=Orvanto - n; ~/Documents=my.set.ovp|n.ovp");
+        Do("comboOrganizeBy 4");
+        Step("actionLoad_Profile", {No(loses)}, "");
+        Step("actionLoad_Profile", {Yes(loses), Pick(folder, "Load profile", profile)},
+             "title=Orvanto - my.set; radioFixAuto=false; radioFixMan=true; checkOnlyEditInvalid=false; "
+             "checkDeleteOriginal=true; comboOrganizeBy=Genre/Artist/Album; comboRename=Custom; "
+             "editOutputPreview=~/Documents/G/A/L/T [x].mp3");
+        Step("buttonOrganize", {No(deleteOriginals)}, "");
+        Do("checkDeleteOriginal; actionSave_Profile"); // into the loaded one
+        QVERIFY(Bytes(Home(profile)).endsWith("\ndeleteOriginal=0\n"));
+    }
 
-        for (const bool skip : {true, false}) {
-            Click(*window, "checkSkipOrganize");
-            for (const char* name : {"comboOrganizeBy", "comboRename", "editOutputFolder", "buttonBrowseOutFold",
-                                     "editOutputPreview", "checkDeleteOriginal"})
-                QCOMPARE(Get<QWidget>(name)->isEnabled(), !skip);
+    void takesOddProfiles()
+    {
+        const QString path = Home("Documents/my.set.ovp");
+        const auto load = [&](const QByteArray& text) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
+            file.close();
+            Do("actionLoad_Profile", {Files("Load profile", {path})});
+        };
+        // A line counts by its position, its key is not looked at.
+        const QByteArray form = "organizeBy=%0\nrename=%2\ncustomRenameScheme=%3\nskipOrganize=0\ntagFixManual=%"
+                                "0\nonlyEditInvalidTags=%0\noutputFolder=%4\ndeleteOriginal=%0\n";
+        const char* rows[][4] = {{"1\n=2 \nx\nyes\n-1\n2\nx=/o\r\nk=1", "1", "x", "/o\r"},
+                                 {"=", "0", "", ""},
+                                 {"\n\n\xff=\xc3\xa9\n", "0", "\xc3\xa9", ""}};
+        for (const auto& [in, flag, name, folder] : rows) {
+            load(in);
+            Do("actionSave_Profile");
+            QCOMPARE(Bytes(path), QByteArray(form)
+                                      .replace("%0", flag)
+                                      .replace("%2", *flag == '1' ? "2" : "0")
+                                      .replace("%3", name)
+                                      .replace("%4", folder));
         }
-        Click(*window, "radioFixMan");
-        QVERIFY(Get<QWidget>("checkOnlyEditInvalid")->isEnabled());
-        Click(*window, "radioFixAuto");
-        QVERIFY(!Get<QWidget>("checkOnlyEditInvalid")->isEnabled());
-        QCOMPARE(window->windowTitle(), QString("Orvanto*"));
+
+        // Indices outside the tables are kept and harm nobody, and a custom scheme is not asked for.
+        Put("full.mp3", "x/1.mp3");
+        Do("drop x/1.mp3; press 0");
+        load("o=99\nr=6\nc=[Title]\n1\n1\n1\n/o\n1\n");
+        Changed("comboOrganizeBy= (off); comboRename=Custom (off); checkSkipOrganize=true; radioFixAuto=false; "
+                "radioFixMan=true; checkOnlyEditInvalid=true; editOutputFolder=/o (off); checkDeleteOriginal=true "
+                "(off); buttonBrowseOutFold=Browse (off); editOutputPreview=/o/T.mp3 (off)");
+        Do("actionSave_Profile");
+        QVERIFY(Bytes(path).startsWith("organizeBy=99\n"));
+
+        // A profile that cannot be written is tried again.
+        QVERIFY(QFile::remove(path) && QDir().mkdir(path));
+        Do("radioFixAuto");
+        Step("actionSave_Profile", {Warning("Could not save profile.")}, "");
+        QVERIFY(QDir().rmdir(path));
+        // After one that is not read, changes are not marked until one is.
+        Step("actionSave_Profile", {}, "title=Orvanto - my.set; ~/Documents=my.set.ovp");
+        const auto loadAndRemove = [&](QWidget* dialog) {
+            connect(qobject_cast<QFileDialog*>(dialog), &QDialog::finished, [&path] { QFile::remove(path); });
+            Files("Load profile", {path})(dialog);
+        };
+        Step("actionLoad_Profile", {loadAndRemove, Warning("Could not load profile.")}, "~/Documents=");
+        Step("radioFixMan", {}, "radioFixAuto=false; radioFixMan=true; checkOnlyEditInvalid=true");
+        load("");
+        Step("checkDeleteOriginal", {}, "checkDeleteOriginal=true; title=Orvanto - my.set*");
     }
 
     void editsTags()
     {
-        const QString first = PutSample("full.mp3", Home("x/1.mp3"));
-        const QString second = PutSample("bare.flac", Home("x/2.flac"));
-        DropOn(*window, {first, second});
-        const QByteArray before = Bytes(first);
-        FromList(0, "Edit Tags", {Fill("Edit Tags", {{"editTitle", "New"}}, "buttonAbort")});
-        FromList(0, "Edit Tags", {Dialog("Edit Tags", [](QWidget* editor) {
-                     QCOMPARE(Visible(*editor), QString("Audio file:|Online Tag Search|Play in iTunes|OK|Cancel"));
-                     editor->close();
-                 })});
-        QVERIFY(Bytes(first) == before);
-        FromList(0, "Edit Tags", {Fill("Edit Tags", {{"editTitle", "New"}, {"editYear", "MCM"}}, "buttonOK")});
-        QVERIFY(Info().contains("Title: New\nAlbum: Small Files\nYear: MCM\n"));
-        QVERIFY(TagManager().ReadFile(first).Title == "New" && TagManager().ReadFile(first).Year == "0");
+        const QString first = Home("x/1.mp3"), last = Home("x/a.wav");
+        Put("full.mp3", "x/1.mp3|late/l.mp3");
+        Put("bare.wav", "x/a.wav|x/b.wav|x/c.wav|x/d.wav|x/e.wav|x/f.wav|x/g.wav|x/h.wav");
+        Do("drop x; press 0");
+        const QByteArray untouched = Bytes(first);
+        const QString one = "title=Edit Tags; fileLabel=Audio file:; textFilePath=~/x/1.mp3; buttonPlay=Play in "
+                            "iTunes; buttonOnlineSearch=Online Tag Search; buttonOK=OK; buttonAbort=Cancel; "
+                            "editArtist=A; editTitle=T; editAlbum=L; editYear=1999; editGenre=G; editTrack=7";
+        Step("row 0 Edit Tags", {Shows(one, Fill("editTitle=New", "buttonAbort"))}, "");
+        QVERIFY(Bytes(first) == untouched);
+        const QString texts = "editArtist=Ann; editTitle=New; editAlbum=LP; editYear=MCM; editGenre=Pop; editTrack=8";
+        Step("row 0 Edit Tags", {Fill(texts, "buttonOK")},
+             "editOutputPreview=~/Music/Ann/Ann-New.mp3; textInfo=Artist: Ann|Title: New|Album: LP|Year: MCM|Genre: "
+             "Pop|Track: 8");
 
-        const QString batch = "Batch Edit Tags";
-        const QMap<QString, QString> texts{{"editGenre", ""}, {"editArtist", "All"}};
-        const QString sure = "Are you sure you want to apply these tags to all the audio files in the list?";
-        FromList(1, batch, {Dialog(batch, [](QWidget* editor) {
-                     QCOMPARE(Visible(*editor), QString("Edit the tags of all the files in the list:|OK|Cancel"));
-                     QCOMPARE(editor->height(), 250);
-                     QTest::keyClick(editor, Qt::Key_Escape);
-                 })});
-        FromList(1, batch, {Fill(batch, texts, "buttonOK"), Question(sure, QMessageBox::No)});
-        QCOMPARE(TagManager().ReadFile(first).Genre, QString("Rock"));
-        QTimer drops; // in the middle of the change, they add nothing
-        connect(&drops, &QTimer::timeout, [this] { DropOn(*window, {Home("x")}); });
-        PutSample("full.ogg", Home("x/3.ogg"));
-        FromList(1, batch, {Fill(batch, texts, "buttonOK"), [&](QWidget* shown) {
-                                drops.start(0);
-                                Question(sure, QMessageBox::Yes)(shown);
-                                drops.stop();
-                            }});
-        QCOMPARE(List().count(), 2);
-        QCOMPARE(Info(), QString("Artist: All\nTitle: \nAlbum: \nYear: 0\nGenre: \nTrack: 0"));
-        QVERIFY(TagManager().ReadFile(first).Genre.isEmpty() && TagManager().ReadFile(first).Title == "New");
-        QCOMPARE(TagManager().ReadFile(second).Artist, QString("All"));
+        const Answer fill =
+            Shows("title=Batch Edit Tags; actionLabel=Edit the tags of all the files in the list:; buttonOK=OK; "
+                  "buttonAbort=Cancel; editArtist=[Original]; editTitle=[Original]; editAlbum=[Original]; "
+                  "editYear=[Original]; editGenre=[Original]; editTrack=[Original]",
+                  Fill("editGenre=; editArtist=All", "buttonOK"));
+        const auto artist = [](const QString& path) { return TagManager().ReadFile(path).Artist; };
+        Step("row 0 Batch Edit Tags", {Fill("editArtist=All", "buttonAbort")}, "");
+        Step("row 0 Batch Edit Tags", {fill, No(applyTags)}, "");
+        QCOMPARE(artist(first), QString("Ann"));
+        bool dropped = false;
+        const auto drop = EachTurn([&] { // in the middle of the change, a drop adds nothing
+            if (!dropped && artist(first) == "All") {
+                dropped = true;
+                Act("drop late");
+            }
+        });
+        Get<QProgressBar>("progressOrganize")->disconnect(this);
+        Step("row 0 Batch Edit Tags", {fill, Yes(applyTags)},
+             "editOutputPreview=~/Music/All/All-New.mp3; textInfo=Artist: All|Title: New|Album: LP|Year: MCM|Genre: "
+             "|Track: 8");
+        QVERIFY(dropped);
+        const SAudioFile file = TagManager().ReadFile(first); // where a year that is no number is none
+        QCOMPARE(QStringList({file.Artist, file.Title, file.Album, file.Year, file.Genre, file.Track}).join('|'),
+                 QString("All|New|LP|0||8"));
+        QCOMPARE(artist(last), QString("All"));
     }
 
-    void runs_data()
-    {
-        for (const char* column : {"mode", "button", "tree"})
-            QTest::addColumn<QString>(column);
-        const QString whole = "Björk Ärger/Björk Ärger-Tone of Ten.ogg";
-        const QString both = "Ann/Ann- Song.mp3|" + whole;
-        QTest::newRow("OK") << "radioFixAuto"
-                            << "buttonOK" << both;
-        QTest::newRow("Skip") << "radioFixAuto"
-                              << "buttonSkip" << both;
-        QTest::newRow("closed") << "radioFixAuto"
-                                << "" << both;
-        QTest::newRow("Abort") << "radioFixAuto"
-                               << "buttonAbort"
-                               << "";
-        QTest::newRow("manual") << "radioFixMan"
-                                << "buttonOK" << whole + "|New/New-Typed.mp3";
-        QTest::newRow("manual, every file") << "radioFixMan every"
-                                            << "buttonSkip" << whole;
-    }
     void runs()
     {
-        QFETCH(QString, mode);
-        QFETCH(QString, button);
-        const QString broken = PutSample("bare.mp3", Home("in/Ann - Song.mp3"));
-        PutSample("full.ogg", Home("in/z.ogg"));
+        Put("bare.mp3", "in/Ann - Song.mp3");
+        Put("full.mp3", "late/l.mp3");
+        Put("full.ogg", "in/z.ogg");
         TagManager tags;
-        tags.path = broken;
+        tags.path = Home("in/Ann - Song.mp3");
         tags.SetInfo(Tag::Genre, "www.spam.com"); // is erased before the editor shows it
-        DropOn(*window, {Home("in")});
-        Type(*window, "editOutputFolder", Home("out//"));
-        Click(*window, qPrintable(mode.section(' ', 0, 0)));
-        const bool automatic = mode == "radioFixAuto";
-        const bool every = mode.endsWith("every");
-        if (every)
-            Click(*window, "checkOnlyEditInvalid");
+        Do("drop in/Ann - Song.mp3|in/z.ogg; editOutputFolder " + Home("out//"));
 
-        const Answer answer = Dialog("Edit Tags", [&](QWidget* editor) {
-            const auto text = [editor](const char* name) {
-                return Child<QWidget>(*editor, name)->property("text").toString();
-            };
-            const bool isBroken = text("textFilePath") == broken;
-            QCOMPARE(text("editArtist"), QString(!isBroken ? "Björk Ärger" : automatic ? "Ann" : ""));
-            QCOMPARE(text("editGenre"), QString(isBroken ? "" : "Rock"));
-            const QString heading = every ? "Audio file:"
-                                          : "The following file has incomplete/invalid tags:|Please edit the "
-                                            "incomplete/invalid tags.";
-            QCOMPARE(Visible(*editor), heading + "|Online Tag Search|Play in iTunes|OK|Skip|Abort");
-            QCOMPARE(Get<QLabel>("textProgress")->text(), QString("Processing..."));
-            DropOn(*window, {Home("in")}); // adds nothing during a run
-            if (mode == "radioFixMan") {
-                Type(*editor, "editArtist", "New");
-                Type(*editor, "editTitle", "Typed");
-            }
-            if (button.isEmpty())
-                editor->close();
-            else
-                Click(*editor, qPrintable(button));
-        });
-        if (every) // skipped without artist and title
-            Run({answer, answer, Warning("Could not copy the following:\n\n" + broken + '\n' + advice, "Log"),
-                 closeSocial});
-        else
-            Run({answer, success, closeSocial});
-        QTEST(Tree("out"), "tree");
-        QCOMPARE(List().count(), 2);
-        QCOMPARE(tags.ReadFile(broken).Genre, QString());
-        QVERIFY(Info() == clearedInfo && Preview().isEmpty());
+        const QString every = "title=Edit Tags; buttonOnlineSearch=Online Tag Search; buttonPlay=Play in iTunes; "
+                              "buttonOK=OK; buttonSkip=Skip; buttonAbort=Abort; fileLabel=Audio file:; ";
+        const QString song = "textFilePath=~/in/Ann - Song.mp3; editAlbum=; editYear=0; editGenre=; editTrack=0; ";
+        const QString whole =
+            "textFilePath=~/in/z.ogg; editArtist=A; editTitle=T; editAlbum=L; editYear=1999; editGenre=G; editTrack=7";
+        const QString repaired =
+            song + "editArtist=Ann; editTitle= Song; " +
+            QString(every).replace("Audio file:", "The following file has incomplete/invalid tags:; actionLabel=Please "
+                                                  "edit the incomplete/invalid tags.");
+        const QString busy =
+            "listAudioFiles=~/in/Ann - Song.mp3|>~/in/z.ogg (off); buttonOrganize=Start       (off); buttonAdd=Add "
+            "(off); buttonRemove=Remove (off); progressOrganize=0%; textProgress=Processing...";
+        const QString idle = "listAudioFiles=~/in/Ann - Song.mp3|~/in/z.ogg; buttonOrganize=Start      ; "
+                             "buttonAdd=Add; buttonRemove=Remove; progressOrganize=0% (off); " +
+                             cleared + "; Updating 50%; ";
+        const auto asks = [this](const QString& shown, const QString& changes, const Answer& then) {
+            return Shows(shown, [=](QWidget* editor) {
+                Changed(changes);
+                Act("drop late"); // adds nothing during a run
+                then(editor);
+            });
+        };
+        const auto run = [&](const QList<Answer>& answers, const QString& changes, const QString& info) {
+            QDir(Home("out")).removeRecursively();
+            Do("press 1");
+            Step("buttonOrganize", answers, idle + changes);
+            Do("press 0");
+            Compare(Now().filter("textInfo"), info); // as it is in the file
+        };
+        const QString copied = "Processing 50% 100%; ~/out=", ogg = "A/A-T.ogg";
+        const QString songInfo = "textInfo=Artist: Ann|Title:  Song|Album: |Year: 0|Genre: |Track: 0";
+        // An erased tag is in the file even if nothing else happens.
+        Do("radioFixMan; checkOnlyEditInvalid");
+        const QString untagged = every + song + "editArtist=; editTitle=";
+        run({asks(untagged, busy, Fill("editArtist=Lost", "buttonAbort")), success, closeSocial},
+            "~/Documents=Orvanto/Orvanto.log", bareInfo);
+        // Each file is asked about; what is skipped without artist and title is not copied.
+        run({asks(untagged, busy, Fill("", "buttonSkip")), asks(every + whole, "", Fill("", "buttonSkip")),
+             Warning("Could not copy the following:\n\n" + tags.path + '\n' + advice, "Log"), closeSocial},
+            copied + ogg, bareInfo);
+        Do("checkOnlyEditInvalid; radioFixAuto");
+        OpenSettings().setValue("SkipSocial", 1);
+        run({asks(repaired, busy, Fill("editArtist=Lost", "buttonSkip")), success}, copied + ogg + "|Ann/Ann- Song.mp3",
+            songInfo);
+        run({asks(repaired, busy, Fill("editArtist=Lost")), success}, copied + ogg + "|Ann/Ann- Song.mp3", songInfo);
+        Do("radioFixMan");
+        run({asks(repaired, busy, Fill("editArtist=New; editTitle=Typed", "buttonOK")), success},
+            copied + ogg + "|New/New-Typed.mp3", QString(songInfo).replace("Ann", "New").replace(" Song", "Typed"));
     }
 
-    void logsEveryRun()
+    void reportsRuns()
     {
-        Trigger("actionShow_Log",
-                {Warning("Could not open log. The log file will be created after the first processing session.")});
-        OpenSettings().setValue("SkipSocial", 1);
-        const QString refused = PutSample("full.mp3", Home("in/An Unknown é.mp3"));
-        DropOn(*window, {refused});
-        Type(*window, "editOutputFolder", Home("out"));
-        Run({success});
-        Choose(*window, "comboRename", 0);
-        const QString report = "Could not copy the following:\n\n" + refused + "\n";
-        Run({Warning(report + advice, "Log")});
+        Step("actionShow_Log",
+             {Warning("Could not open log. The log file will be created after the first processing session.")}, "");
+        Put("full.mp3", "in/1.mp3|in/An Unknown é.mp3");
+        Do("drop in/1.mp3; comboOrganizeBy 0; editOutputFolder " + Home("out"));
+        const auto follow = [](QWidget* social) {
+            for (const char* button : {"buttonFacebook", "buttonGoogle"})
+                Click(*social, button);
+            social->close();
+        };
+        const QDateTime start = QDateTime::currentDateTime();
+        Step("buttonOrganize", {success, closeSocial},
+             "~/Documents=Orvanto/Orvanto.log; ~/out=A-T.mp3; Processing 100%");
+        Step("buttonOrganize", {success, Dialog("Give Us a Like", follow)},
+             "[SkipSocial]=1; Processing 100%; opened=http://www.facebook.example/orvanto; "
+             "opened=http://plus.google.example/orvanto");
+        Do("comboRename 0; drop in/An Unknown é.mp3");
+        QString report = "Could not copy the following:\n\n" + Home("in/An Unknown é.mp3") + "\n";
+        Step("buttonOrganize", {Warning(report + advice, "Log")}, "~/out=1.mp3|A-T.mp3; Processing 50%; Updating 50%");
 
-        const QString path = Home("Documents/Orvanto/Orvanto.log");
-        QString log = QString::fromUtf8(Bytes(path));
-        log.replace(QRegularExpression("\\d\\d\\.\\d\\d\\.\\d{4} \\d\\d:\\d\\d:\\d\\d"), "TIME");
-        const QString dashes = "--------------------------------------------------------------\n";
-        QCOMPARE(log, dashes + "TIME\n\nOperation finished successfully!\n" + dashes + '\n' + dashes + "TIME\n\n" +
-                          report + dashes + '\n');
-        Outside outside;
-        Trigger("actionShow_Log", {});
-        QCOMPARE(outside.opened, QStringList("file://" + path));
+        const QString path = Home("Documents/Orvanto/Orvanto.log"), dashes = QString(62, '-') + '|';
+        QStringList log = QString::fromUtf8(Bytes(path)).split('\n');
+        for (const int line : {1, 7, 13}) {
+            const QDateTime time = QDateTime::fromString(log.value(line), "dd.MM.yyyy hh:mm:ss");
+            QVERIFY2(time.isValid() && qAbs(start.secsTo(time)) < 60, qPrintable(log.value(line)));
+            log[line] = "TIME";
+        }
+        const QString done = dashes + "TIME||Operation finished successfully!|" + dashes + '|';
+        QCOMPARE(log.join('|'), done + done + dashes + "TIME||" + QString(report).replace('\n', '|') + dashes + '|');
+        Step("actionShow_Log", {}, "opened=file://~/Documents/Orvanto/Orvanto.log");
 
+        const QString more = "in/Unknown 1.mp3|in/Unknown 2.mp3|in/Unknown 3.mp3|in/Unknown 4.mp3|in/Unknown "
+                             "5.mp3|in/Unknown 6.mp3|in/Unknown 7.mp3|in/Unknown 8.mp3|in/Unknown 9.mp3";
+        Put("full.mp3", more);
+        Do("drop " + more);
+        report += Paths(more).join('\n') + '\n';
+        const auto scrolls = [&](QWidget* box) {
+            QCOMPARE(box->findChild<QPlainTextEdit*>()->toPlainText(), report + advice);
+            QVERIFY(!Child<QLabel>(*box, "qt_msgbox_label")->isVisible());
+            QTest::keyClick(box, Qt::Key_Return);
+        };
+        Do("buttonOrganize", {Dialog("Log", scrolls)});
         QVERIFY(QFile::remove(path) && QDir().mkdir(path)); // a folder in its place
-        Run({Warning("Could not save log.")});
-        QCOMPARE(Rows(), QString("in/An Unknown é.mp3"));
+        Step("buttonOrganize", {Warning("Could not save log.")},
+             "Processing 9%; Updating 9% 18% 27% 36% 45% 54% 63% 72% 81% 90%");
     }
 
     void deletesOriginals()
     {
         OpenSettings().setValue("SkipSocial", 1);
-        DropOn(*window, {PutSample("full.mp3", Home("in/1.mp3")), PutSample("full.ogg", Home("in/2.ogg"))});
-        Choose(*window, "comboRename", 0);
-        Choose(*window, "comboOrganizeBy", 0);
-        Click(*window, "checkDeleteOriginal");
-        Click(*window, "checkSkipOrganize");
-        Run({success});
-        Click(*window, "checkSkipOrganize");
-        QCOMPARE(Rows(), QString("in/1.mp3|in/2.ogg"));
-        for (const char* output : {"in//", "out//"}) {
-            Type(*window, "editOutputFolder", Home(output));
-            Run({Question(deleteOriginals, QMessageBox::No)});
-            Run({Question(deleteOriginals, QMessageBox::Yes), success});
-            QCOMPARE(Tree(QString(output).chopped(2)), QString("1.mp3|2.ogg"));
-            QVERIFY(Rows().isEmpty());
-            DropOn(*window, {Home("in")});
+        Put("full.mp3", "in/1.mp3");
+        Put("full.ogg", "in/2.ogg");
+        Do("comboRename 0; comboOrganizeBy 0; checkDeleteOriginal; checkSkipOrganize; drop in");
+        Step("buttonOrganize", {success}, "~/Documents=Orvanto/Orvanto.log; Processing 100%; Updating 50%");
+        Do("checkSkipOrganize; editOutputFolder " + Home("in//")); // they are their own copies
+        Step("buttonOrganize", {Yes(deleteOriginals), success}, "listAudioFiles=; Processing 50% 100%");
+        Do("drop in; editOutputFolder " + Home("out"));
+        Step("buttonOrganize", {No(deleteOriginals)}, "");
+        Step("buttonOrganize", {Yes(deleteOriginals), success},
+             "listAudioFiles=; ~/in=; ~/out=1.mp3|2.ogg; Processing 50% 100%");
+    }
+
+    void asksBeforeItEnds()
+    {
+        Do("checkDeleteOriginal");
+        const auto prompt = [](QMessageBox::StandardButton answer) {
+            return Box(QMessageBox::Question, "You have unsaved changes. Do you want to save your settings?",
+                       QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, answer);
+        };
+        for (const auto stay : {QMessageBox::Escape, QMessageBox::Cancel}) {
+            QVERIFY(!Ends("close", {prompt(stay)}));
+            Changed("");
         }
-        QVERIFY(Rows().isEmpty());
+        QVERIFY(Ends("close", {prompt(QMessageBox::No)}));
+        QVERIFY(
+            Ends("close", {prompt(QMessageBox::Yes), Files("Save profile", {})})); // cancelling that does not keep us
+        Changed("");
+        QVERIFY(Ends("actionExit", {prompt(QMessageBox::Yes), Files("Save profile", Paths("Documents/p.ovp"))}));
+        Changed("title=Orvanto - p (closed); ~/Documents=p.ovp");
+        QVERIFY(Ends("close", {}));
     }
 
-    void profiles()
+    void endsInTheMiddle()
     {
-        const QString path = Home("Documents/Orvanto/Profiles/my.set.ovp");
-        const QString overwrite = "This will overwrite your current settings. Continue?";
-        Trigger("actionNew", {});
-        Choose(*window, "comboOrganizeBy", 3);
-        Click(*window, "radioFixMan");
-        Trigger("actionSave_Profile", {Files("Save profile", {})});
-        QCOMPARE(window->windowTitle(), QString("Orvanto*"));
-        Trigger("actionSave_Profile", {Files("Save profile", {path})});
-        QCOMPARE(window->windowTitle(), QString("Orvanto - my.set"));
-        Click(*window, "checkDeleteOriginal");
-        QCOMPARE(window->windowTitle(), QString("Orvanto - my.set*"));
-        Trigger("actionSave_Profile_As", {Files("Save profile", {})});
-        Trigger("actionSave_Profile", {});
-        QVERIFY(Bytes(path).startsWith("organizeBy=3\nrename=2\n") && Bytes(path).endsWith("deleteOriginal=1\n"));
-
-        Trigger("actionNew", {Question(overwrite, QMessageBox::No)});
-        QCOMPARE(window->windowTitle(), QString("Orvanto - my.set"));
-        Trigger("actionNew", {Question(overwrite, QMessageBox::Yes)});
-        QCOMPARE(window->windowTitle(), QString("Orvanto"));
-        QCOMPARE(Get<QComboBox>("comboOrganizeBy")->currentIndex(), 1);
-        QVERIFY(!Get<QWidget>("checkOnlyEditInvalid")->isEnabled());
-
-        // Indices outside the tables are kept and harm nobody, and a custom scheme is not asked for.
-        QFile odd(Home("Documents/odd.ovp"));
-        QVERIFY(odd.open(QIODevice::WriteOnly) && odd.write("o=99\nr=6\nc=[Title]\n1\n1\n1\n/o\n1\n") > 0);
-        odd.close();
-        DropOn(*window, {PutSample("full.mp3", Home("x/1.mp3"))});
-        Press(0);
-        Choose(*window, "comboOrganizeBy", 0);
-        const QString loses = "Loading a profile will overwrite your current settings. Continue?";
-        Trigger("actionLoad_Profile", {Question(loses, QMessageBox::No)});
-        Trigger("actionLoad_Profile", {Question(loses, QMessageBox::Yes), Files("Load profile", {odd.fileName()})});
-        QCOMPARE(window->windowTitle(), QString("Orvanto - odd"));
-        QCOMPARE(Preview(), QString("/o/Tone of Ten.mp3"));
-        QCOMPARE(Get<QComboBox>("comboOrganizeBy")->currentIndex(), -1);
-        QVERIFY(!Get<QWidget>("comboRename")->isEnabled() && Get<QAbstractButton>("radioFixMan")->isChecked());
-        QCOMPARE(OpenSettings().value("OutputFolderPath").toString(), Home("Music"));
-        Trigger("actionSave_Profile", {});
-        QVERIFY(Bytes(odd.fileName()).startsWith("organizeBy=99\n"));
-        Click(*window, "radioFixAuto");
-        QCOMPARE(window->windowTitle(), QString("Orvanto - odd*"));
-
-        // A profile that cannot be written is tried again; one that cannot be read leaves changes unmarked.
-        QVERIFY(odd.remove() && QDir().mkdir(odd.fileName()));
-        Trigger("actionSave_Profile", {Warning("Could not save profile.")});
-        QVERIFY(QDir().rmdir(odd.fileName()));
-        Trigger("actionSave_Profile", {});
-        Trigger("actionLoad_Profile", {Files("Load profile", {})});
-        Click(*window, "radioFixMan");
-        QCOMPARE(window->windowTitle(), QString("Orvanto - odd"));
-        Trigger("actionLoad_Profile", {Files("Load profile", {path})});
-        Click(*window, "radioFixAuto");
-        QCOMPARE(window->windowTitle(), QString("Orvanto - my.set*"));
-
-        // Where the profile folder cannot be made, another one serves.
-        QDir(Home("Documents/Orvanto")).removeRecursively();
-        QVERIFY(QFile(Home("Documents/Orvanto")).open(QIODevice::WriteOnly));
-        Trigger("actionSave_Profile_As", {Files("Save profile", {Home("Music/p.ovp")})});
-        QCOMPARE(window->windowTitle(), QString("Orvanto - p"));
-        Run({Question(deleteOriginals, QMessageBox::Yes), Warning("Could not save log."), closeSocial});
-    }
-
-    void exitPrompt()
-    {
-        const struct
-        {
-            QMessageBox::StandardButton answer;
-            const char* savedAs;
-            bool quits;
-        } rows[] = {{QMessageBox::Escape, "", false},
-                    {QMessageBox::Cancel, "", false},
-                    {QMessageBox::No, "", true},
-                    {QMessageBox::Yes, "", true}, // cancelling the file dialog does not keep us
-                    {QMessageBox::Yes, "p.ovp", true}};
-        Click(*window, "checkDeleteOriginal");
-        for (const auto& row : rows) {
-            QList<Answer> answers{ExitPrompt(row.answer)};
-            if (row.answer == QMessageBox::Yes)
-                answers += Files("Save profile", *row.savedAs ? QStringList(Home(row.savedAs)) : QStringList());
-            Answers dialogs(answers);
-            QObject context;
-            bool stayed = false;
-            QTimer::singleShot(0, &context, [&] {
-                window->close();
-                QTimer::singleShot(0, &context, [&] {
-                    stayed = true;
-                    QCoreApplication::exit();
-                });
-            });
-            QCoreApplication::exec();
-            dialogs.Finish();
-            QCOMPARE(!stayed, row.quits);
-            QCOMPARE(QFile::exists(Home("p.ovp")), *row.savedAs != 0);
-        }
-    }
-
-    void quitsInMidRun()
-    {
-        DropOn(*window, {PutSample("bare.mp3", Home("in/x.mp3"))});
-        Answers dialogs({Dialog("Edit Tags", [this](QWidget*) { Get<QAction>("actionExit")->trigger(); })});
-        QTimer::singleShot(0, [this] { Click(*window, "buttonOrganize"); });
-        QCOMPARE(QCoreApplication::exec(), 0);
-        window.reset();
-        dialogs.Finish();
-        QCOMPARE(Tree("in") + Tree("Music"), QString("x.mp3"));
-    }
-
-    void quitsWhileFilesAreAdded()
-    {
-        for (int i = 0; i < 200; ++i)
-            PutSample("bare.spx", Home(QString("in/%1.spx").arg(i)));
-        Click(*window, "checkDeleteOriginal");
-        QTimer watch;
-        int turns = 0;
-        connect(&watch, &QTimer::timeout, [this, &turns] {
-            if (!IsIdle() && ++turns == 20)
+        for (int i = 0; i < 100; ++i)
+            Put("bare.spx", QString("in/%1.spx").arg(i));
+        auto close = EachTurn([this] {
+            if (Status() == updating)
                 window->close();
         });
-        watch.start(0);
-        Answers dialogs({ExitPrompt(QMessageBox::No)});
-        QTimer::singleShot(0, [this] { DropOn(*window, {Home("in")}); });
-        QCOMPARE(QCoreApplication::exec(), 0);
-        QVERIFY2(turns < 150, "the adding went on");
-    }
+        QVERIFY(Ends("drop in", {}));
+        QVERIFY(List().count() < 100);
 
-    void searchKeepsItsChoices()
-    {
-        FromButton("buttonAdd", "Search", {Dialog("Search", [](QWidget* search) {
-                       Type(*search, "editSearchPath", "C:\\My Music");
-                       Click(*search, "checkSearchSubfolders");
-                       Choose(*search, "comboSearchMask", 3);
-                       Click(*search, "buttonCancel");
-                   })});
-        FromButton("buttonAdd", "Search",
-                   {Dialog("Search",
-                           [](QWidget* search) {
-                               QCOMPARE(Child<QLineEdit>(*search, "editSearchPath")->text(), QString("C:/My Music"));
-                               QVERIFY(Child<QAbstractButton>(*search, "checkSearchSubfolders")->isChecked());
-                               QCOMPARE(Child<QComboBox>(*search, "comboSearchMask")->currentText(), QString("*.flac"));
-                               Click(*search, "buttonBrowse");
-                               Click(*search, "buttonOK");
-                           }),
-                    Files("Select folder", {Home("Documents")})});
-        QCOMPARE(OpenSettings().value("SearchFolderPath").toString(), Home("Documents"));
+        close.reset();
+        Open();
+        Do("drop in; press 0");
+        const auto artist = [this](int row) { return TagManager().ReadFile(List().item(row)->text()).Artist; };
+        close = EachTurn([&] {
+            if (artist(0) == "All")
+                window->close();
+        });
+        QVERIFY(Ends("row 0 Batch Edit Tags", {Fill("editArtist=All", "buttonOK"), Yes(applyTags)}));
+        QCOMPARE(artist(99), QString());
+        close.reset();
+        Open();
+        Do("drop in/0.spx");
+        QVERIFY(Ends("buttonOrganize", {[this](QWidget*) { Act("actionExit"); }}));
     }
 
     void leadsOut()
     {
-        Outside outside;
-        const QString name = "50% #1? é \"x\".[2].mp3";
-        DropOn(*window, {PutSample("full.mp3", Home(name))});
+        const QString name = "x/50% #1? é \"x\".[2].mp3";
+        Put("full.mp3", name);
+        Do("drop " + name + "; press 0");
         const QStringList hosts{"discogs.com", "allmusic.com"};
-        FromList(0, "Edit Tags",
-                 {Dialog("Edit Tags",
-                         [](QWidget* editor) {
-                             for (const char* button : {"buttonPlay", "buttonOnlineSearch", "buttonOnlineSearch"})
-                                 Click(*editor, button);
-                             QTest::keyClick(editor, Qt::Key_Escape);
-                         }),
-                  Entry(hosts, hosts.first()), Entry(hosts, hosts.last())});
-        QCOMPARE(QUrl(outside.opened.takeFirst()).toLocalFile(), Home(name));
-        // Digits and separators go, and nothing is escaped: what follows "#" is the browser's affair.
-        QCOMPARE(outside.opened.takeFirst(), QString("http://www.discogs.com/search/?q=%25+#?+%C3%A9+%22x%22+++"));
-        QCOMPARE(outside.opened.takeFirst(), QString("http://www.allmusic.com/search/all/%25+#?+%C3%A9+%22x%22+++"));
-
-        const Answer follow = Dialog("Give Us a Like", [](QWidget* social) {
-            Click(*social, "buttonFacebook");
-            Click(*social, "buttonGoogle");
-            social->close();
-        });
-        Run({success, closeSocial});
-        Run({success, follow});
-        Run({success});
-        QCOMPARE(outside.opened.takeFirst(), QString("http://www.facebook.example/orvanto"));
-        QCOMPARE(outside.opened.takeFirst(), QString("http://plus.google.example/orvanto"));
-        const char* rows[][2] = {{"actionOnline_Help", "/help-mac.html"},
-                                 {"actionVideo_Tutorial", "/feature.html"},
-                                 {"actionOnline_Support", "/contact.html"},
-                                 {"actionVisit_Our_Website", ""}};
-        for (const auto& [action, page] : rows) {
-            Trigger(action, {});
-            QCOMPARE(outside.opened.takeFirst(), QString("http://www.orvanto.example") + page);
-        }
-        Trigger("actionAbout", {Dialog("About Us", [](QWidget* shown) {
-                    QVERIFY(shown->minimumSize() == QSize(351, 151) && shown->maximumSize() == shown->minimumSize());
-                    QCOMPARE(Child<QLabel>(*shown, "textVersion")->text(), QString("Orvanto Version 2.1.0"));
-                    QTest::mouseClick(Child<QLabel>(*shown, "label_2"), Qt::LeftButton);
-                    shown->close();
-                })});
-        QCOMPARE(outside.opened, QStringList("http://www.orvanto.example"));
-    }
-
-    void previewPlayer()
-    {
-        // Its controls stay hidden; pressed all the same, they show no dialog, whatever the machine can play.
-        DropOn(*window, {PutSample("full.wav", Home("x/1.wav"))});
-        for (const char* button : {"buttonPlay", "buttonStop", "buttonPlay", "buttonPlay"}) {
-            Do([&] { Get<QPushButton>(button)->click(); }, {});
-            Press(0);
-        }
-        FromButton("buttonRemove", "All", {Question(removeAll, QMessageBox::Yes)});
-        Sandbox::TakeWarnings(); // a machine without sound has its say
-    }
-
-    void garbageInTheSettingsStoreReadsAsTheDefaults()
-    {
-        for (const char* key : {"OutputFolderPath", "AddFilesPath", "AddFolderPath", "SearchFolderPath"})
-            OpenSettings().setValue(key, QStringList{"a", "b"});
-        for (const char* key : {"SearchSubfolders", "SearchMask", "SkipSocial"})
-            OpenSettings().setValue(key, "garbage");
-        window = std::make_unique<MainWindow>(nullptr);
-        window->show();
-        QCOMPARE(Get<QLineEdit>("editOutputFolder")->text(), Home("Music"));
-        const auto startsInMusic = [](QWidget* shown) {
-            QCOMPARE(qobject_cast<QFileDialog*>(shown)->directory().path(), Home("Music"));
-            shown->close();
+        const auto leave = [](QWidget* editor) {
+            for (const char* button : {"buttonPlay", "buttonOnlineSearch", "buttonOnlineSearch"})
+                Click(*editor, button);
+            QTest::keyClick(editor, Qt::Key_Escape);
         };
-        FromButton("buttonAdd", "File(s)", {Dialog("Select one or more files to open", startsInMusic)});
-        FromButton("buttonAdd", "Folder", {Dialog("Select folder", startsInMusic)});
-        FromButton("buttonAdd", "Search", {Dialog("Search", [](QWidget* search) {
-                       QCOMPARE(Child<QLineEdit>(*search, "editSearchPath")->text(), Home("Music"));
-                       QVERIFY(!Child<QAbstractButton>(*search, "checkSearchSubfolders")->isChecked());
-                       Click(*search, "buttonCancel");
-                   })});
-        DropOn(*window, {PutSample("full.mp3", Home("x/1.mp3"))});
-        Run({success, closeSocial});
+        // Digits and separators go, and nothing is escaped: what follows "#" is the browser's affair.
+        Step("row 0 Edit Tags", {leave, Entry(hosts, hosts.first()), Entry(hosts, hosts.last())},
+             "opened=file://~/x/50%25%20%231%3F%20%C3%A9%20%22x%22.[2].mp3; "
+             "opened=http://www.discogs.com/search/?q=%25+#?+%C3%A9+%22x%22+++; "
+             "opened=http://www.allmusic.com/search/all/%25+#?+%C3%A9+%22x%22+++");
+        Step("actionOnline_Help", {}, "opened=http://www.orvanto.example/help-mac.html");
+        Step("actionVideo_Tutorial", {}, "opened=http://www.orvanto.example/feature.html");
+        Step("actionOnline_Support", {}, "opened=http://www.orvanto.example/contact.html");
+        Step("actionVisit_Our_Website", {}, "opened=http://www.orvanto.example");
+        const auto follow = [](QWidget* about) {
+            QTest::mouseClick(Child<QLabel>(*about, "label_2"), Qt::LeftButton);
+            about->close();
+        };
+        Step("actionAbout", {Shows("title=About Us; textVersion=Orvanto Version 2.1.0", follow)},
+             "opened=http://www.orvanto.example");
     }
 };
 
