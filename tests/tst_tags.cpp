@@ -1,7 +1,5 @@
 #include "demo/AudioSamples.h"
 #include "files/FilePath.h"
-#include "files/FolderEntries.h"
-#include "tags/AudioFileList.h"
 #include "tags/TagManager.h"
 #include "tags/TagTextRules.h"
 
@@ -55,50 +53,6 @@ private slots:
         }
     }
 
-    void incomplete()
-    {
-        const SAudioFile complete{"t", "a", "b", "1", "g", "2", "/x.mp3"};
-        QVERIFY(!IsIncomplete(complete));
-        for (const STag& tag : allTags) {
-            SAudioFile file = complete;
-            for (const QString missing : {tag.absent, "Unknown"}) {
-                file.*tag.field = missing;
-                QVERIFY2(IsIncomplete(file), tag.name);
-            }
-            file.*tag.field = *tag.absent ? "" : "0"; // what is missing for the other kind
-            QVERIFY2(!IsIncomplete(file), tag.name);
-        }
-    }
-
-    void entriesBySize()
-    {
-        const QTemporaryDir folder;
-        const auto entries = [&folder](int turns) {
-            const auto goOn = [&turns] { return turns-- > 0; };
-            const QStringList paths = EntriesBySize(folder.path() + '/', QDir::Files | QDir::Hidden, goOn);
-            return paths.join('|').remove(folder.path());
-        };
-        for (const char* name : {"a", "b", ".c", "d"})
-            QVERIFY(QFile(folder.filePath(name)).open(QIODevice::WriteOnly));
-        QVERIFY(QFile::resize(folder.filePath("a"), 2) && QFile::resize(folder.filePath("b"), 1));
-        QCOMPARE(entries(1), QString("/d|/.c|/b|/a")); // the smallest first, of equal ones the last name
-        QCOMPARE(entries(0), QString());
-        for (int i = 0; i < 1000; ++i)
-            QVERIFY(QFile(folder.filePath(QString("%1.mp3").arg(i))).open(QIODevice::WriteOnly));
-        QVERIFY(entries(1).isEmpty() && entries(2).count('|') == 1003); // asks while it reads, too
-    }
-
-    void listFindsItsRecords()
-    {
-        AudioFileList list;
-        for (const char* path : {"/a", "/b", "/c"})
-            list.Append({"", "", "", "0", "", "0", path});
-        list.Remove(0);
-        list.Remove(2);
-        QVERIFY(list.Count() == 2 && list.RowOf("/a") == -1 && list.RowOf("/b") == 0 && list.RowOf("/c") == 1);
-        QVERIFY(list.Contains("/c") && !list.Contains("/C") && !list.IsRow(2) && !list.IsRow(-1));
-    }
-
     void readsAndWritesEveryType()
     {
         QCOMPARE(AudioExtensions().join(' '), QString("mp3 mp4 wav flac aif asf ogg mpc spx wv"));
@@ -108,46 +62,31 @@ private slots:
             QCOMPARE(Texts(tags.ReadFile(QStringLiteral(TEST_DATA_DIR "/full.") + extension)), fullTags);
             QCOMPARE(Texts(tags.ReadFile(QStringLiteral(TEST_DATA_DIR "/bare.") + extension)), noTags);
 
-            // Beyond U+FFFF, both normalisation forms, and ten thousand characters.
-            SAudioFile file{"𝄞 😀 𠀀",
-                            "é e\u0301",
-                            QString(10000, 'x'),
-                            "2024",
-                            "Ünïcode",
-                            "12",
-                            PutSample("bare." + extension, folder.filePath("x." + extension))};
-            tags.WriteFile(file);
-            QCOMPARE(Texts(tags.ReadFile(file.Path)), Texts(file));
-            // Its content says what it is, whatever its name says.
-            const QString name = extension + (extension == "wv" ? ".mp3" : ".wv");
-            SAudioFile misnamed = file;
-            misnamed.Path = PutSample("bare." + extension, folder.filePath(name));
-            tags.WriteFile(misnamed);
-            QVERIFY2(Bytes(misnamed.Path) == Bytes(file.Path), qPrintable(name));
-            tags.path = file.Path;
+            // Beyond U+FFFF, both normalisation forms, and ten thousand characters. The content says what a file is,
+            // whatever its name says.
+            SAudioFile file{"𝄞 😀 𠀀", "é e\u0301", QString(10000, 'x'), "2024", "Ünïcode", "12", {}};
+            const QString misnamed = folder.filePath(extension + (extension == "wv" ? ".mp3" : ".wv"));
+            for (const QString& path : {misnamed, folder.filePath("x." + extension)}) {
+                file.Path = PutSample("bare." + extension, path);
+                tags.WriteFile(file);
+                QCOMPARE(Texts(tags.ReadFile(path)), Texts(file));
+            }
+            QVERIFY2(Bytes(misnamed) == Bytes(file.Path), qPrintable(extension));
 
-            QVERIFY(tags.SetInfo(Tag::Year, "abc") && tags.SetInfo(Tag::Track, "3 of 12") &&
-                    tags.SetInfo(Tag::Genre, ""));
-            QCOMPARE(tags.GetInfo(Tag::Year), QString("0"));
-            QCOMPARE(tags.GetInfo(Tag::Track), QString("3"));
-            QCOMPARE(tags.GetInfo(Tag::Genre), QString());
+            QVERIFY(tags.SetTags({{Tag::Year, "abc"}, {Tag::Track, "3 of 12"}}) && tags.SetInfo(Tag::Genre, ""));
+            QCOMPARE(tags.GetInfo(Tag::Year) + tags.GetInfo(Tag::Track) + tags.GetInfo(Tag::Genre), QString("03"));
             QCOMPARE(tags.GetInfo(Tag::Title), file.Title);
             for (const int noTag : {0, 7})
                 QVERIFY(tags.GetInfo(noTag) == "Unknown" && !tags.SetInfo(noTag, "x"));
         }
-        // A link stays one, a file keeps its permissions, and nothing is left beside them.
+        // A link stays one, and nothing is left beside the files.
         tags.path = folder.filePath("link.mp3");
-        QVERIFY(QFile::link(folder.filePath("x.mp3"), tags.path));
-        QVERIFY(QFile::setPermissions(tags.path,
-                                      QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadOther));
-        const auto permissions = QFileInfo(tags.path).permissions();
-        QVERIFY(tags.SetInfo(Tag::Title, "by way of the link"));
-        QVERIFY(QFileInfo(tags.path).isSymLink() && QFileInfo(tags.path).permissions() == permissions);
-        QCOMPARE(tags.ReadFile(folder.filePath("x.mp3")).Title, QString("by way of the link"));
+        QVERIFY(QFile::link(folder.filePath("x.mp3"), tags.path) && tags.SetInfo(Tag::Title, QString(20000, 'l')));
+        QVERIFY(QFileInfo(tags.path).isSymLink() && Bytes(folder.filePath("x.mp3")).contains("lllll"));
         QCOMPARE(QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 21);
     }
 
-    void equalTextsLeaveTheFileAlone()
+    void whatTextCannotExpressSurvives()
     {
         const QTemporaryDir folder;
         TagManager tags;
@@ -155,29 +94,26 @@ private slots:
             const QString path = PutSample("rich." + extension, folder.filePath("x." + extension));
             const QByteArray before = Bytes(path);
             SAudioFile file = tags.ReadFile(path);
-            QCOMPARE(Texts(file), QString("First Second|Tone of Ten|Small Files|1999|Rock|3"));
             tags.WriteFile(file);
             QVERIFY(Bytes(path) == before);
-
             file.Title = "Changed";
             tags.WriteFile(file);
-            QCOMPARE(Texts(tags.ReadFile(path)), Texts(file));
-            QVERIFY(Bytes(path).contains("1999-05-03") && Bytes(path).contains("3/12"));
+            for (const char* rich : {"1999-05-03", "3/12", "First", "Second", "Changed"})
+                QVERIFY2(Bytes(path).contains(rich), rich);
         }
     }
 
     void namesInEitherForm()
     {
         const QTemporaryDir folder;
-        TagManager tags;
         const QString decomposed = PutSample("full.mp3", folder.filePath("e\u0301.mp3"));
         const QString precomposed = folder.filePath("é.mp3");
-        QCOMPARE(Texts(tags.ReadFile(precomposed)), fullTags);
+        QCOMPARE(Texts(TagManager().ReadFile(precomposed)), fullTags);
         if (QFile::exists(precomposed))
             return; // this file system takes the two for one
         PutSample("bare.mp3", precomposed);
-        QCOMPARE(Texts(tags.ReadFile(precomposed)), noTags);
-        QCOMPARE(Texts(tags.ReadFile(decomposed)), fullTags);
+        QCOMPARE(Texts(TagManager().ReadFile(precomposed)) + Texts(TagManager().ReadFile(decomposed)),
+                 noTags + fullTags);
     }
 
     void unreadableFiles()
@@ -185,19 +121,19 @@ private slots:
         const QTemporaryDir folder;
         TagManager tags;
         QDir(folder.path()).mkdir("folder.mp3");
-        QFile text(folder.filePath("notes.txt"));
-        QVERIFY(text.open(QIODevice::WriteOnly) && text.write("no music") > 0);
-        text.close();
-        const QString zeros = PutSample("full.mp3", folder.filePath("zeros.mp3")); // made, but not filled yet
-        QFile preallocated(zeros);
-        QVERIFY(preallocated.open(QIODevice::WriteOnly) && preallocated.resize(4 << 20) && preallocated.seek(4 << 20));
-        preallocated.write(Bytes(TEST_DATA_DIR "/full.mp3"));
-        preallocated.close();
+        const auto put = [&folder](const char* name, const QByteArray& bytes) {
+            QFile file(folder.filePath(name));
+            return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+        };
+        // The last one is made, but not filled yet.
+        QVERIFY(put("notes.txt", "no music") && put("empty.mp3", "") &&
+                put("zeros.mp3", QByteArray(4 << 20, '\0') + Bytes(TEST_DATA_DIR "/full.mp3")));
         for (const char* name : {"missing.mp3", "folder.mp3", "notes.txt", "zeros.mp3"}) {
             QCOMPARE(Texts(tags.ReadFile(folder.filePath(name))), unreadable);
             QVERIFY(!tags.SetInfo(Tag::Title, "x"));
         }
-        QCOMPARE(Bytes(text.fileName()), QByteArray("no music"));
+        QCOMPARE(Texts(tags.ReadFile(folder.filePath("empty.mp3"))), noTags);
+        QCOMPARE(Bytes(folder.filePath("notes.txt")), QByteArray("no music"));
     }
 };
 
