@@ -6,8 +6,7 @@
 
 #include <algorithm>
 
-EditedFile::EditedFile(const QString& filePath)
-    : path(filePath), original(path, O_RDONLY), facts(original.Facts())
+EditedFile::EditedFile(const QString& filePath) : path(filePath), original(path, O_RDONLY), facts(original.Facts())
 {
     if (IsOpen() && facts->size > 0) {
         size = facts->size;
