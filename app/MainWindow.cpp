@@ -114,7 +114,7 @@ void MainWindow::Init()
     ui->textProgress->setSizePolicy(statusSize);
     ui->textProgress->hide();
     ui->buttonAdd->setStyleSheet(QStringLiteral("Text-align:left; padding:7px 0px 9px 18px;"));
-    ui->buttonRemove->setStyleSheet(QStringLiteral("padding:7px 0px 9px 0px;")); // on one line with Add
+    ui->buttonRemove->setStyleSheet(QStringLiteral("padding:7px 8px 9px 8px;")); // on one line with Add
     FillCombos();
     ResetInterface();
     CreatePopupMenus();
