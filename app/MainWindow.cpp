@@ -7,6 +7,7 @@
 #include "platform/UserSettings.h"
 #include "ui_MainWindow.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QMediaPlayer>
@@ -113,7 +114,7 @@ void MainWindow::Init()
     ui->textProgress->setSizePolicy(statusSize);
     ui->textProgress->hide();
     ui->buttonAdd->setStyleSheet(QStringLiteral("Text-align:left; padding:7px 0px 9px 18px;"));
-    ui->buttonRemove->setStyleSheet(QStringLiteral("padding:7px 0px 9px 0px;")); // on one line with Add
+    ui->buttonRemove->setStyleSheet(QStringLiteral("padding:7px 8px 9px 8px;")); // on one line with Add
     FillCombos();
     ResetInterface();
     CreatePopupMenus();
@@ -157,6 +158,7 @@ void MainWindow::BindKeys()
     removeSelected->setShortcutContext(Qt::WidgetShortcut);
     ui->listAudioFiles->addAction(removeSelected);
 
+    ui->comboRename->view()->installEventFilter(this);
     new QShortcut(Qt::Key_F10, this, [this] { ui->menuBar->setActiveAction(ui->menuFile->menuAction()); });
 
     // Tags that do not fit into the panel are in reach of the Tab key, and then of the arrows.
@@ -198,6 +200,14 @@ void MainWindow::RefreshInterface()
         on_comboRename_activated(settings.renameIndex);
     on_checkSkipOrganize_clicked(settings.skipOrganize);
     TakeOutputFolder(settings.outputFolder);
+}
+
+/// On X11 a Return in the open list of a choice arrives there twice, the second time after the list has closed. That
+/// one would ask for the custom scheme again.
+bool MainWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    const bool isKey = event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress;
+    return isKey && !static_cast<QWidget*>(watched)->isVisible();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

@@ -18,6 +18,7 @@ DialogRename::~DialogRename() = default;
 int DialogRename::exec()
 {
     ui->editRenameScheme->ShowText(scheme);
+    ui->editRenameScheme->setFocus();
     return QDialog::exec();
 }
 

@@ -17,6 +17,7 @@ void DialogSearch::Init()
 {
     searchPath = StoredFolder(SettingsKey::searchFolder);
     ui->editSearchPath->ShowText(searchPath);
+    ui->editSearchPath->setFocus();
 
     searchSubfolders = StoredFlag(SettingsKey::searchSubfolders);
     ui->checkSearchSubfolders->setChecked(searchSubfolders);
