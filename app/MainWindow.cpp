@@ -2,9 +2,9 @@
 
 #include "app/MainWindowBusy.h"
 #include "dialogs/Prompts.h"
-#include "files/FilePath.h"
 #include "naming/OutputPath.h"
 #include "platform/UserSettings.h"
+#include "tags/AudioTypes.h"
 #include "ui_MainWindow.h"
 
 #include <QAbstractItemView>

@@ -7,6 +7,7 @@
 #include "files/FilePath.h"
 #include "files/FolderEntries.h"
 #include "platform/UserSettings.h"
+#include "tags/AudioTypes.h"
 #include "ui_MainWindow.h"
 
 #include <QApplication>

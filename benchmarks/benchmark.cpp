@@ -4,6 +4,7 @@
 #include "demo/Sandbox.h"
 #include "files/FilePath.h"
 #include "platform/UserSettings.h"
+#include "tags/AudioTypes.h"
 #ifdef Q_OS_LINUX
 #include "benchmarks/Openings.h"
 #endif

@@ -3,6 +3,7 @@
 #include "dialogs/Prompts.h"
 #include "files/FilePath.h"
 #include "platform/UserSettings.h"
+#include "tags/AudioTypes.h"
 #include "ui_DialogSearch.h"
 
 DialogSearch::DialogSearch(QWidget* parent) : QDialog(parent), ui(std::make_unique<Ui_DialogSearch>())

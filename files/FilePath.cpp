@@ -1,15 +1,5 @@
 #include "files/FilePath.h"
 
-const QStringList& AudioExtensions()
-{
-    static const QStringList extensions{
-        QStringLiteral("mp3"), QStringLiteral("mp4"), QStringLiteral("wav"), QStringLiteral("flac"),
-        QStringLiteral("aif"), QStringLiteral("asf"), QStringLiteral("ogg"), QStringLiteral("mpc"),
-        QStringLiteral("spx"), QStringLiteral("wv"),
-    };
-    return extensions;
-}
-
 QString ExtensionOf(const QString& path)
 {
     return path.mid(path.lastIndexOf(QLatin1Char('.')) + 1).toLower();

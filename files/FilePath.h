@@ -1,10 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
-
-/// The accepted file extensions, lower case and without dot, in the order in which every choice of them is offered.
-const QStringList& AudioExtensions();
 
 /// The text after the last "." of @p path in lower case; all of it when it has no ".".
 QString ExtensionOf(const QString& path);

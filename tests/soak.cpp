@@ -1,6 +1,7 @@
 #include "demo/AudioSamples.h"
 #include "files/FilePath.h"
 #include "processing/ProcessThread.h"
+#include "tags/AudioTypes.h"
 
 #include <QElapsedTimer>
 #include <QRandomGenerator>

@@ -1,5 +1,5 @@
 #include "demo/AudioSamples.h"
-#include "files/FilePath.h"
+#include "tags/AudioTypes.h"
 #include "tags/TagManager.h"
 #include "tags/TagTextRules.h"
 
