@@ -41,9 +41,5 @@ SCopy CopyFile(const QString& source, const QString& destination, const std::fun
 bool FlushFolder(const QString& folder)
 {
     FileHandle handle(folder, O_RDONLY);
-#ifdef Q_OS_MACOS
-    if (fcntl(handle.Descriptor(), F_FULLFSYNC) == 0) // with the drive's cache
-        return true;
-#endif
-    return handle.Flush();
+    return !handle.IsOpen() || handle.Flush(FileHandle::Depth::Drive);
 }

@@ -16,8 +16,8 @@ struct SCopy
 
 /// Copies a regular file with its permissions, its time of modification, its extended attributes and its access
 /// control lists. The copy appears whole or not at all, flushed, and replaces nothing. A source that somebody writes
-/// meanwhile is not copied. Between two steps, @p goOn says whether to.
+/// meanwhile is not copied. It asks @p goOn before each step and gives up on a no.
 SCopy CopyFile(const QString& source, const QString& destination, const std::function<bool()>& goOn);
 
-/// Waits until the names in @p folder are on the disk, too. @return false when they may be lost.
+/// Waits until the names in @p folder are on the disk, as far as it may be read. @return false when they may be lost.
 bool FlushFolder(const QString& folder);

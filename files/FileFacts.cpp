@@ -34,14 +34,14 @@ bool IsUnchanged(const SFileFacts& before, const SFileFacts& now)
     return before.size == now.size && before.modified == now.modified && before.changed == now.changed;
 }
 
+QString ComparablePath(const QString& path)
+{
+    const QString canonical = QFileInfo(path).canonicalFilePath();
+    return canonical.normalized(QString::NormalizationForm_D).toCaseFolded().normalized(QString::NormalizationForm_D);
+}
+
 bool IsSameFile(const QString& one, const QString& other)
 {
-    const auto comparable = [](const QString& path) {
-        const QString canonical = QFileInfo(path).canonicalFilePath();
-        return canonical.normalized(QString::NormalizationForm_D)
-            .toCaseFolded()
-            .normalized(QString::NormalizationForm_D);
-    };
     const auto first = FactsOf(one), second = FactsOf(other);
-    return first && second && (first->Identity() == second->Identity() || comparable(one) == comparable(other));
+    return first && second && (first->Identity() == second->Identity() || ComparablePath(one) == ComparablePath(other));
 }

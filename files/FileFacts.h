@@ -36,7 +36,10 @@ std::optional<SFileFacts> FactsOf(const QString& path);
 /// them.
 bool IsUnchanged(const SFileFacts& before, const SFileFacts& now);
 
-/// Whether two paths lead to one file: the file system says so, or they differ, links resolved, only in letter case or
-/// Unicode normal form. Some file systems ignore these and make up inode numbers for each path. So two files may be
-/// taken for one: ask where that does no harm.
+/// @p path with links resolved, in the one letter case and Unicode normal form in which a file system that ignores
+/// these may take paths for the same.
+QString ComparablePath(const QString& path);
+
+/// Whether two paths lead to one file: the file system says so, or they are comparable. Some file systems ignore letter
+/// case and make up inode numbers for each path. So two files may be taken for one: ask where that does no harm.
 bool IsSameFile(const QString& one, const QString& other);

@@ -90,13 +90,15 @@ bool FileHandle::Resize(qint64 size)
     return Retried([&] { return ftruncate(descriptor, static_cast<off_t>(size)); }) == 0;
 }
 
-bool FileHandle::Flush()
+bool FileHandle::Flush([[maybe_unused]] Depth depth)
 {
 #ifdef Q_OS_MACOS
-    if (fcntl(descriptor, F_BARRIERFSYNC) == 0) // keeps the order of writes in the drive's cache, too
-        return true;
+    const int command = depth == Depth::Drive ? F_FULLFSYNC : F_BARRIERFSYNC;
+    const bool flushed = Retried([&] { return fcntl(descriptor, command); }) == 0;
+    if (flushed || !IsUnsupported()) // an error is reported once, so that fsync() could succeed after it
+        return flushed;
 #endif
-    return Retried([&] { return fsync(descriptor); }) == 0 || IsUnknownCall();
+    return Retried([&] { return fsync(descriptor); }) == 0 || IsUnsupported();
 }
 
 bool FileHandle::Close()
@@ -106,7 +108,7 @@ bool FileHandle::Close()
     return closed < 0 || close(closed) == 0 || errno == EINTR;
 }
 
-bool IsUnknownCall()
+bool IsUnsupported()
 {
     return errno == EINVAL || errno == ENOSYS || errno == ENOTTY || errno == ENOTSUP || errno == EOPNOTSUPP;
 }

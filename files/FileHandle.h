@@ -31,8 +31,11 @@ public:
     /// Writes at the end that the file has at that moment; for files opened with O_APPEND.
     bool Append(const QByteArray& bytes);
     bool Resize(qint64 size);
-    /// Waits until the file is on the disk. A disk that knows no such thing is no failure.
-    bool Flush();
+    /// How far what was written is followed: past the system's cache, or also past that of the drive. Only macOS makes
+    /// a difference; there, the former keeps the order of writes.
+    enum class Depth { System, Drive };
+    /// Waits until the file is on the disk. A disk that has no such call is no failure.
+    bool Flush(Depth depth = Depth::System);
     /// @return false when what was written may be lost.
     bool Close();
 
@@ -40,5 +43,5 @@ private:
     int descriptor = -1;
 };
 
-/// Whether errno says that a file system does not know the last call, rather than that it could not do it.
-bool IsUnknownCall();
+/// Whether errno says that the file system has no such call, rather than that the call failed.
+bool IsUnsupported();

@@ -62,7 +62,8 @@ void CopyExtendedAttributes(int from, int to)
     fremovexattr(to, "system.posix_acl_access");
     std::vector<char> names(static_cast<std::size_t>(qMax<ssize_t>(flistxattr(from, nullptr, 0), 0)));
     const ssize_t length = flistxattr(from, names.data(), names.size());
-    for (const char* name = names.data(); length > 0 && name < names.data() + length; name += qstrlen(name) + 1) {
+    const char* const end = names.data() + qBound<ssize_t>(0, length, static_cast<ssize_t>(names.size()));
+    for (const char* name = names.data(); name < end; name += qstrlen(name) + 1) {
         std::vector<char> value(static_cast<std::size_t>(qMax<ssize_t>(fgetxattr(from, name, nullptr, 0), 0)));
         if (fgetxattr(from, name, value.data(), value.size()) == static_cast<ssize_t>(value.size()))
             fsetxattr(to, name, value.data(), value.size(), 0);
@@ -80,7 +81,7 @@ bool RenameToFreeName(const char* from, const char* to)
     if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0)
         return true;
 #endif
-    if (!IsUnknownCall())
+    if (!IsUnsupported())
         return false;
     if (link(from, to) == 0)
         return unlink(from) == 0;
@@ -177,9 +178,10 @@ bool NewFile::StartWriting()
 #else
     constexpr unsigned int andWait = SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
     const int file = handle.Descriptor();
+    // A length of 0 would mean all of the file.
     const bool ok = (sync_file_range(file, onItsWay, size - onItsWay, SYNC_FILE_RANGE_WRITE) == 0 &&
-                     sync_file_range(file, written, onItsWay - written, andWait) == 0) ||
-                    IsUnknownCall();
+                     (onItsWay == written || sync_file_range(file, written, onItsWay - written, andWait) == 0)) ||
+                    IsUnsupported();
 #endif
     written = onItsWay;
     onItsWay = size;

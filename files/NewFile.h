@@ -8,8 +8,8 @@
 #include <functional>
 
 /// A file that appears whole or not at all: it is written under a hidden name, `.orvanto-` and six characters, in the
-/// folder where it shall appear, and gets its name last. Unless it got there, it goes with this object; only a program
-/// that is killed leaves it.
+/// folder where it shall appear, and gets its name last. Until it has appeared, it is removed with this object; only a
+/// killed program leaves it there.
 class NewFile
 {
 public:
@@ -25,8 +25,8 @@ public:
     /// False when the folder does not take it.
     bool IsOpen() const { return handle.IsOpen(); }
 
-    /// Makes it share the content of @p source, where the file system can do that, or copies it. Between two steps,
-    /// @p goOn says whether to.
+    /// Makes it share the content of @p source, where the file system can do that, or copies it. It asks
+    /// @p goOn before each step and gives up on a no.
     Transfer CopyContent(const FileHandle& source, qint64 size, const std::function<bool()>& goOn);
     /// Appends a range of @p source.
     Transfer CopyRange(const FileHandle& source, qint64 from, qint64 size, const std::function<bool()>& goOn);
@@ -35,7 +35,7 @@ public:
     /// Gives it the owner and the group of a file, or the group alone. @return false when neither can be given.
     bool TakeOwner(const SFileFacts& facts);
     /// Gives it the extended attributes, among them access control lists, and then the permissions of a file; what the
-    /// disk refuses it goes without.
+    /// disk refuses is left out.
     void TakeAttributes(const FileHandle& source, const SFileFacts& facts);
     /// Gives it the time of modification of a file; no failure where the disk refuses.
     void TakeTime(const SFileFacts& facts);

@@ -52,6 +52,7 @@ void ProcessThread::Init()
     failedPaths.clear();
     foldersLeadingOut.clear();
     originals.clear();
+    flushedFolders.clear();
 }
 
 QString ProcessThread::GenerateFilename(int index) const
@@ -225,7 +226,7 @@ void ProcessThread::CopyToTree(int index, const QString& name)
         // It is kept, and that is no failure. The two are compared at once: there are file systems that make inode
         // numbers up and forget them.
         if (!IsSameFile(destination, file.Path))
-            original.fate = SOriginal::Fate::Goes;
+            original = {SOriginal::Fate::Goes, destination, source};
     } else {
         const SCopy copy = CopyFile(file.Path, destination, [this] { return !isInterruptionRequested(); });
         if (copy.result == CopyResult::Copied)
@@ -244,11 +245,30 @@ void ProcessThread::RecordFailure(const QString& sourcePath)
     failedPaths += sourcePath;
 }
 
-/// Whether a source of which these are the facts is still what was copied, and its copy is there.
-bool ProcessThread::IsProvenCopy(const SOriginal& original, const SFileFacts& now)
+/// Waits until the names from @p folder up to the output folder's own are on the disk. @return false when they may be
+/// lost.
+bool ProcessThread::FlushNames(QString folder)
 {
-    const auto copy = FactsOf(original.copy);
-    return IsUnchanged(*original.copied, now) && copy && copy->IsRegular() && copy->size == now.size;
+    const int shortest = FolderOf(settings.outputFolder).size();
+    for (;;) {
+        if (!flushedFolders.contains(folder))
+            flushedFolders.insert(folder, FlushFolder(folder.isEmpty() ? QStringLiteral("/") : folder));
+        const QString parent = FolderOf(folder);
+        if (!flushedFolders.value(folder) || folder.size() <= shortest || parent == folder)
+            return flushedFolders.value(folder);
+        folder = parent;
+    }
+}
+
+/// Whether the file that a source may be deleted for is there, and if that is its copy, whether it will stay and the
+/// source, of which these are the facts, has not changed since.
+bool ProcessThread::IsProven(const SOriginal& original, const SFileFacts& now)
+{
+    const auto file = FactsOf(original.destination);
+    if (!file || !file->IsRegular())
+        return false;
+    return original.fate == SOriginal::Fate::Goes ||
+           (IsUnchanged(*original.source, now) && file->size == now.size && FlushNames(FolderOf(original.destination)));
 }
 
 /// Removes every source that was copied, or whose destination was another file all along. A source that is its own
@@ -257,32 +277,38 @@ RunEnd ProcessThread::DeleteOriginals()
 {
     const QList<QString> paths = outputPaths + failedPaths;
     const QSet<QString> keptPaths(paths.begin(), paths.end());
-    QSet<std::pair<quint64, quint64>> keptFiles;
+    QSet<QString> keptSpellings;
+    QSet<std::pair<quint64, quint64>> keptFiles, unlinked;
     for (const QString& path : paths) {
         if (const auto facts = FactsOf(path))
             keptFiles.insert(facts->Identity());
     }
-    QHash<QString, bool> flushed; // by folder of copies
 
     for (int i = 0; i < files.size(); ++i) {
         if (isInterruptionRequested())
             return RunEnd::Interrupted;
         const QString& path = files.at(i).Path;
-        const SOriginal& original = originals.at(static_cast<std::size_t>(i));
+        SOriginal& original = originals.at(static_cast<std::size_t>(i));
         const auto now = FactsOf(path);
         if (original.fate == SOriginal::Fate::Stays || keptPaths.contains(path) || !now ||
             keptFiles.contains(now->Identity()))
             continue;
-        if (original.fate == SOriginal::Fate::GoesIfCopied) {
-            const QString folder = FolderOf(original.copy);
-            if (!flushed.contains(folder))
-                flushed.insert(folder, FlushFolder(folder));
-            if (!flushed.value(folder) || !IsProvenCopy(original, *now)) {
-                RecordFailure(path);
+        if (original.fate == SOriginal::Fate::Goes) {
+            // It was not copied, and may be the very file that another source goes for.
+            for (int k = keptSpellings.isEmpty() ? 0 : paths.size(); k < paths.size(); ++k)
+                keptSpellings.insert(ComparablePath(paths.at(k)));
+            if (keptSpellings.contains(ComparablePath(path)))
                 continue;
-            }
         }
-        QFile::remove(path);
+        if (unlinked.contains(now->Identity()))
+            original.source->changed = now->changed; // by us: another name of this file has gone
+        if (IsProven(original, *now)) {
+            unlinked.insert(now->Identity());
+            QFile::remove(path);
+        } else {
+            RecordFailure(path);
+            keptFiles.insert(now->Identity()); // under its other names, too
+        }
     }
     files.clear();
     return RunEnd::Complete;

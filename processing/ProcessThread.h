@@ -5,6 +5,7 @@
 #include "tags/SAudioFile.h"
 #include "tags/TagManager.h"
 
+#include <QHash>
 #include <QList>
 #include <QSet>
 #include <QString>
@@ -78,16 +79,18 @@ private:
     void RecordFailure(const QString& sourcePath);
     RunEnd DeleteOriginals();
 
-    /// Why the source of one row may be deleted, if it may.
+    /// Whether the source of one row may be deleted, and for which file.
     struct SOriginal
     {
         enum class Fate { Stays, Goes, GoesIfCopied };
         Fate fate = Fate::Stays;
-        QString copy = {};                               ///< with GoesIfCopied: where that is
-        std::optional<SFileFacts> copied = std::nullopt; ///< and what the source was then
+        QString destination = {};
+        std::optional<SFileFacts> source = std::nullopt; ///< when it was copied
     };
-    static bool IsProvenCopy(const SOriginal& original, const SFileFacts& now);
+    bool FlushNames(QString folder);
+    bool IsProven(const SOriginal& original, const SFileFacts& now);
 
     std::vector<SOriginal> originals;    ///< by row
     QSet<QStringList> foldersLeadingOut; ///< tags whose folder is not ours to write into
+    QHash<QString, bool> flushedFolders; ///< whether their names are on the disk
 };
