@@ -49,12 +49,12 @@ QByteArray EditedFile::Read(qint64 position, qint64 count)
         if (piece.IsNew())
             std::copy_n(piece.bytes.constData() + skipped, part, bytes.data() + done);
         else if (!ReadOriginal(piece.start + skipped, bytes.data() + done, part))
-            sound = false;
+            valid = false;
         done += part;
-        if (done == count || !sound)
+        if (done == count || !valid)
             break;
     }
-    bytes.truncate(static_cast<int>(sound ? done : 0));
+    bytes.truncate(static_cast<int>(valid ? done : 0));
     return bytes;
 }
 
@@ -82,11 +82,10 @@ std::size_t EditedFile::SplitAt(qint64 position)
 
 void EditedFile::Replace(qint64 position, qint64 count, const QByteArray& bytes)
 {
-    if (position < 0 || position > size) {
-        sound = false;
+    if (position < 0 || position > size || count < 0 || count > size - position) {
+        valid = false;
         return;
     }
-    count = qBound<qint64>(0, count, size - position);
     const auto at = [this](std::size_t index) { return pieces.begin() + static_cast<std::ptrdiff_t>(index); };
     const std::size_t first = SplitAt(position);
     pieces.erase(at(first), at(SplitAt(position + count)));
@@ -101,14 +100,6 @@ void EditedFile::Replace(qint64 position, qint64 count, const QByteArray& bytes)
     }
 }
 
-void EditedFile::Truncate(qint64 newSize)
-{
-    if (newSize > size)
-        sound = false;
-    else
-        Replace(newSize, size - newSize, {});
-}
-
 bool EditedFile::IsUntouched() const
 {
     const auto now = FactsOf(path);
@@ -117,17 +108,18 @@ bool EditedFile::IsUntouched() const
 
 EditedFile::Saved EditedFile::Save()
 {
-    if (!sound)
-        return Saved::NotAtAll;
     FileHandle target(path, O_RDWR);
-    if (!target.IsOpen())
-        return IsUntouched() ? Saved::NotAtAll : Saved::GivenWay;
+    if (!valid || !target.IsOpen())
+        return IsUntouched() ? Saved::NotAtAll : Saved::Overtaken;
     return KeepsPlaces() ? Patch(target) : Rewrite();
 }
 
-/// Whether every range of the file on disk stands where it stood.
+/// Whether every range of the file on disk stands where it stood, and no more is cut off than can be put back.
 bool EditedFile::KeepsPlaces() const
 {
+    constexpr qint64 longestTail = 1 << 30; // bytes
+    if (facts->size - size > longestTail)
+        return false;
     qint64 position = 0;
     for (const SPiece& piece : pieces) {
         if (!piece.IsNew() && piece.start != position)
@@ -146,7 +138,7 @@ std::vector<EditedFile::SPatch> EditedFile::Patches()
     for (const SPiece& piece : pieces) {
         if (piece.IsNew()) {
             QByteArray before(static_cast<int>(qBound<qint64>(0, facts->size - position, piece.size)), '\0');
-            sound = sound && original.Read(position, before.data(), before.size()) == before.size();
+            valid = valid && original.Read(position, before.data(), before.size()) == before.size();
             const auto front = std::mismatch(before.begin(), before.end(), piece.bytes.begin());
             const auto equal = static_cast<int>(front.first - before.begin());
             int last = piece.bytes.size();
@@ -160,7 +152,7 @@ std::vector<EditedFile::SPatch> EditedFile::Patches()
     }
     if (size < facts->size) {
         QByteArray cutOff(static_cast<int>(facts->size - size), '\0');
-        sound = sound && original.Read(size, cutOff.data(), cutOff.size()) == cutOff.size();
+        valid = valid && original.Read(size, cutOff.data(), cutOff.size()) == cutOff.size();
         patches.push_back({size, cutOff, {}});
     }
     return patches;
@@ -171,8 +163,8 @@ EditedFile::Saved EditedFile::Patch(FileHandle& target)
     const std::vector<SPatch> patches = Patches();
     const auto now = target.Facts();
     if (!now || !IsUnchanged(*facts, *now))
-        return Saved::GivenWay;
-    if (!sound)
+        return Saved::Overtaken;
+    if (!valid)
         return Saved::NotAtAll;
     // From the end: where there is no room for more, nothing has been touched yet.
     const bool written = std::all_of(patches.rbegin(), patches.rend(), [&target](const SPatch& patch) {
@@ -182,8 +174,7 @@ EditedFile::Saved EditedFile::Patch(FileHandle& target)
         return Saved::Whole;
     for (const SPatch& patch : patches)
         target.Write(patch.position, patch.before);
-    if (target.Facts()->size > facts->size)
-        target.Resize(facts->size);
+    target.Resize(facts->size);
     target.Flush();
     return Saved::NotAtAll;
 }
@@ -205,6 +196,6 @@ EditedFile::Saved EditedFile::Rewrite()
     }
     // As late as can be: what somebody else writes while we do comes first.
     if (!IsUntouched())
-        return Saved::GivenWay;
+        return Saved::Overtaken;
     return written && copy.Appear(NewFile::Existing::Replace) ? Saved::Whole : Saved::NotAtAll;
 }

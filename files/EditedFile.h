@@ -14,8 +14,8 @@ class EditedFile
 public:
     enum class Saved {
         Whole,
-        NotAtAll, ///< the disk or the rights did not allow it; the file is as it was
-        GivenWay, ///< somebody else has changed the file since it was opened: open it again
+        NotAtAll,  ///< the disk or the rights did not allow it; the file is as it was
+        Overtaken, ///< somebody else has changed the file since it was opened: open it again
     };
 
     /// Opens the file at @p path for reading.
@@ -26,11 +26,11 @@ public:
     qint64 Size() const { return size; }
     /// At most @p count bytes from @p position on, fewer at the end.
     QByteArray Read(qint64 position, qint64 count);
-    /// Puts @p bytes in the place of @p count bytes, fewer at the end, from @p position on. An edit that begins after
-    /// the end can only be a mistake: nothing will be saved.
+    /// Puts @p bytes in the place of @p count bytes from @p position on. An edit of more than there is can only be a
+    /// mistake, as a damaged file makes parsers do: nothing will be saved.
     void Replace(qint64 position, qint64 count, const QByteArray& bytes);
-    /// Cuts the file off. Making it longer is a mistake, too.
-    void Truncate(qint64 newSize);
+    /// Cuts the file off.
+    void Truncate(qint64 newSize) { Replace(newSize, size - newSize, {}); }
 
     /// Writes the edits. Where every range of the file keeps its place, only the bytes that differ are written, into
     /// the file itself, and put back when that fails. Otherwise a new file, whole and with the owner, permissions and
@@ -64,7 +64,7 @@ private:
     const std::optional<SFileFacts> facts; ///< when it was opened
     std::vector<SPiece> pieces;
     qint64 size = 0;
-    bool sound = true; ///< every read and every edit made sense so far
+    bool valid = true; ///< every read succeeded and every edit was one of what is there
     QByteArray window; ///< a part of the file on disk that was read last
     qint64 windowStart = 0;
 };

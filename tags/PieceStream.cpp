@@ -27,7 +27,7 @@ TagLib::ByteVector PieceStream::readBlock(Length length)
 
 void PieceStream::writeBlock(const TagLib::ByteVector& data)
 {
-    file.Replace(position, data.size(), ToBytes(data));
+    file.Replace(position, qMin<qint64>(data.size(), file.Size() - position), ToBytes(data));
     position += data.size();
 }
 
@@ -45,6 +45,7 @@ void PieceStream::removeBlock(Start start, Length length)
 void PieceStream::seek(Offset offset, Position from)
 {
     const qint64 base = from == Beginning ? 0 : from == Current ? position : file.Size();
-    if (base + offset >= 0) // a file would not go there either
+    // A file would not go before its beginning either.
+    if (offset >= -base && offset <= std::numeric_limits<qint64>::max() - base)
         position = base + offset;
 }

@@ -74,6 +74,17 @@ bool BeginsWithZerosOnly(PieceStream& stream)
     return block == blocks;
 }
 
+/// The name of a type for a file that begins as a container; empty for others. TagLib would take MPEG sound that it
+/// finds near the beginning of one for the whole file.
+const char* ContainerName(PieceStream& stream)
+{
+    const TagLib::ByteVector head = stream.readBlock(12);
+    stream.seek(0);
+    if (head.startsWith("RIFF") && head.containsAt("WAVE", 8))
+        return ".wav";
+    return head.containsAt("ftyp", 4) ? ".mp4" : "";
+}
+
 TagLib::Tag* TagOf(const TagLib::FileRef& file)
 {
     return file.isNull() ? nullptr : file.tag();
@@ -82,8 +93,10 @@ TagLib::Tag* TagOf(const TagLib::FileRef& file)
 
 TagLib::FileRef TagManager::CreateFileRef(PieceStream& stream, bool readAudioProperties) const
 {
+    stream.seek(0);
     if (!stream.isOpen() || BeginsWithZerosOnly(stream))
         return TagLib::FileRef();
+    stream.SetName(ContainerName(stream));
     const TagLib::FileRef byContent(&stream, readAudioProperties, TagLib::AudioProperties::Average);
     if (!byContent.isNull())
         return byContent;
@@ -125,7 +138,7 @@ bool TagManager::SetTags(const TagValues& values) const
         }
         // What TagLib itself could not read afterwards is not saved: a text too long for its format, for example.
         if (!changed || !file.save() || !TagOf(CreateFileRef(stream, false)) ||
-            stream.Save() != EditedFile::Saved::GivenWay)
+            stream.Save() != EditedFile::Saved::Overtaken)
             break;
     }
     return true;
