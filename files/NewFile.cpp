@@ -170,22 +170,24 @@ bool NewFile::Append(const QByteArray& bytes)
 /// Keeps the disk busy and little of the file in memory: a flush of gigabytes at the end could not be interrupted.
 bool NewFile::StartWriting()
 {
-    constexpr qint64 stride = 8 << 20; // bytes
-    if (size - onItsWay < stride)
-        return true;
 #ifdef Q_OS_MACOS
-    const bool ok = handle.Flush();
+    if (size - written < 8 * step) // each flush is a barrier there
+        return true;
+    written = size;
+    return handle.Flush();
 #else
-    constexpr unsigned int andWait = SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
+    if (size - onItsWay < step)
+        return true;
     const int file = handle.Descriptor();
+    constexpr unsigned int andWait = SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
     // A length of 0 would mean all of the file.
     const bool ok = (sync_file_range(file, onItsWay, size - onItsWay, SYNC_FILE_RANGE_WRITE) == 0 &&
                      (onItsWay == written || sync_file_range(file, written, onItsWay - written, andWait) == 0)) ||
                     IsUnsupported();
-#endif
     written = onItsWay;
     onItsWay = size;
     return ok;
+#endif
 }
 
 bool NewFile::TakeOwner(const SFileFacts& facts)

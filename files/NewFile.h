@@ -52,7 +52,7 @@ private:
     const QByteArray destination;
     QByteArray hiddenName; ///< empty once there is no file of that name
     FileHandle handle;
-    qint64 size = 0;     ///< bytes so far
-    qint64 onItsWay = 0; ///< bytes that were handed to the disk
-    qint64 written = 0;  ///< bytes that the disk has
+    qint64 size = 0;                      ///< bytes so far
+    [[maybe_unused]] qint64 onItsWay = 0; ///< bytes that were handed to the disk
+    qint64 written = 0;                   ///< bytes that the disk has
 };

@@ -1,5 +1,6 @@
 #include "files/WholeFile.h"
 
+#include "files/EditedFile.h"
 #include "files/NewFile.h"
 
 #include <QFileInfo>
@@ -8,15 +9,23 @@ bool WriteWholeFile(const QString& givenPath, const QByteArray& content)
 {
     const QString canonical = QFileInfo(givenPath).canonicalFilePath();
     const QString& path = canonical.isEmpty() ? givenPath : canonical; // a link stays one
-    const FileHandle old(path, O_WRONLY);
+    FileHandle old(path, O_WRONLY);
     const auto facts = old.Facts();
     if (!old.IsOpen() && QFileInfo::exists(path))
         return false;
+    if (facts && !facts->IsRegular()) {
+        old.Append(content);
+        return true;
+    }
+    if (QFileInfo(path).isSymLink()) // to nothing yet
+        return AppendToFile(path, content);
+
     NewFile file(path, 0666);
     if (!file.IsOpen() || (facts && !file.TakeOwner(*facts))) {
-        FileHandle direct(path, O_WRONLY | O_CREAT | O_TRUNC);
-        direct.Write(0, content);
-        return direct.IsOpen();
+        EditedFile direct(path);
+        direct.Replace(0, direct.Size(), content);
+        direct.Save();
+        return facts.has_value();
     }
     if (facts)
         file.TakeAttributes(old, *facts);

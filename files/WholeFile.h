@@ -4,7 +4,7 @@
 #include <QString>
 
 /// Writes a whole text file: the old content stays until the new one is on the disk. Where no file can be made beside
-/// it, it is written directly.
+/// it, it is written directly, and the old content put back if that fails.
 /// @return false when the file at @p path cannot be opened for writing. Whether all of it was written is not reported.
 bool WriteWholeFile(const QString& path, const QByteArray& content);
 

@@ -14,8 +14,8 @@ class FileRef;
 /// Tags by their Tag::Index, and the texts to write into them.
 using TagValues = std::vector<std::pair<int, QString>>;
 
-/// Reads and writes the six tags of one audio file through TagLib; beside its stream, nothing else in the program
-/// touches TagLib. No file stays open between calls. One object serves one thread.
+/// Reads and writes the six tags of one audio file through TagLib, which nothing but this class and its stream uses. No
+/// file stays open between calls. One object serves one thread.
 class TagManager
 {
 public:
