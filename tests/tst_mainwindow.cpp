@@ -362,7 +362,7 @@ private slots:
 
     void searches()
     {
-        Put("full.mp3", "lib/1.mp3");
+        Put("full.mp3", "lib/1.mp3|lib/sub/4.mp3");
         Put("full.flac", "lib/2.FLAC|lib/sub/3.flac");
         const QString buttons = "title=Search; buttonBrowse=Browse; buttonOK=OK; buttonCancel=Cancel; ";
         const auto choose = [&buttons](const QString& shown, const char* button) {
@@ -387,14 +387,16 @@ private slots:
             for (const char* button : {"buttonBrowse", "buttonBrowse", "checkSearchSubfolders"})
                 Click(*search, button);
             Compare(Visible(*search).filter("Path"), "editSearchPath=~/lib/sub");
+            Choose(*search, "comboSearchMask", 0);
             Click(*search, "buttonOK");
         };
         Step("buttonAdd Search", {browse, Pick("lib", "Select folder", "lib/sub"), Pick("lib/sub", "Select folder")},
-             "listAudioFiles=~/lib/2.FLAC|~/lib/sub/3.flac; [SearchFolderPath]=~/lib/sub; [SearchSubfolders]=true; "
+             "listAudioFiles=~/lib/2.FLAC|~/lib/sub/4.mp3; [SearchFolderPath]=~/lib/sub; [SearchSubfolders]=true; "
+             "[SearchMask]=0; "
              "Updating 50%");
         Step("buttonAdd Search", {Fill("editSearchPath=", "buttonOK")}, "[SearchFolderPath]=");
         // Every type is accepted again.
-        Step("drop lib/1.mp3", {}, "listAudioFiles=~/lib/2.FLAC|~/lib/sub/3.flac|~/lib/1.mp3; Updating 33% 66%");
+        Step("drop lib/1.mp3", {}, "listAudioFiles=~/lib/2.FLAC|~/lib/sub/4.mp3|~/lib/1.mp3; Updating 33% 66%");
     }
 
     void selectsAndRemoves()
@@ -404,7 +406,12 @@ private slots:
         Put("bare.wv", "x/3.wv");
         const QString preview = "editOutputPreview=~/Music/Artist/Artist-Title.",
                       sure = "Are you sure you want to remove the selected file?";
+        const QImage empty = List().viewport()->grab().toImage();
         Step("drop x/1.mp3|x/2.ogg|x/3.wv", {}, "listAudioFiles=~/x/1.mp3|~/x/2.ogg|~/x/3.wv; Updating 33% 66%");
+        const QImage withRows = List().viewport()->grab().toImage();
+        QImage blank = withRows;
+        blank.fill(empty.pixel(0, 0));
+        QVERIFY(empty != blank && withRows != empty); // the mark, and the rows
         Step("buttonRemove Selected", {}, "");
         Step("press 0", {},
              "listAudioFiles=>~/x/1.mp3|~/x/2.ogg|~/x/3.wv; editOutputPreview=~/Music/A/A-T.mp3; " + fullInfo);
@@ -562,9 +569,9 @@ private slots:
                             "editArtist=A; editTitle=T; editAlbum=L; editYear=1999; editGenre=G; editTrack=7";
         Step("row 1 Edit Tags", {Shows(one, Fill("editTitle=New", "buttonAbort"))}, "");
         QVERIFY(Bytes(first) == untouched);
-        const QString texts = "editArtist=Ann; editTitle=New; editAlbum=LP; editYear=MCM; editGenre=Pop; editTrack=8";
+        const QString texts = "editArtist=Ann; editTitle=New; editAlbum=LP ; editYear=MCM; editGenre=Pop; editTrack=8";
         Step("row 1 Edit Tags", {Fill(texts, "buttonOK")},
-             "editOutputPreview=~/Music/Ann/Ann-New.mp3; textInfo=Artist: Ann|Title: New|Album: LP|Year: MCM|Genre: "
+             "editOutputPreview=~/Music/Ann/Ann-New.mp3; textInfo=Artist: Ann|Title: New|Album: LP |Year: MCM|Genre: "
              "Pop|Track: 8");
 
         const Answer fill =
@@ -585,12 +592,12 @@ private slots:
         });
         Get<QProgressBar>("progressOrganize")->disconnect(this); // its moves do not matter here
         Step("row 1 Batch Edit Tags", {fill, Yes(applyTags)},
-             "editOutputPreview=~/Music/All/All-New.mp3; textInfo=Artist: All|Title: New|Album: LP|Year: MCM|Genre: "
+             "editOutputPreview=~/Music/All/All-New.mp3; textInfo=Artist: All|Title: New|Album: LP |Year: MCM|Genre: "
              "|Track: 8");
         QVERIFY(dropped);
         const SAudioFile file = TagManager().ReadFile(first); // where a year that is no number is none
         QCOMPARE(QStringList({file.Artist, file.Title, file.Album, file.Year, file.Genre, file.Track}).join('|'),
-                 QString("All|New|LP|0||8"));
+                 QString("All|New|LP |0||8"));
         QCOMPARE(artist(last), QString("All"));
     }
 
