@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <functional>
 
@@ -203,15 +204,22 @@ private slots:
 
     void whatHasChangedSinceItWasCopiedStays()
     {
-        for (const char* file : {"in/1.mp3", "in/2.mp3", "in/3.mp3", "in/4.mp3"})
+        for (const char* file : {"in/1.mp3", "in/2.mp3", "in/3.mp3", "in/4.mp3", "in/5.mp3", "in/6.mp3"})
             Add(file);
-        AfterFile(4, [this] {
+        worker->files += worker->files.first(); // the same file, whose destination is there by then
+        worker->files.last().Path = In("link/1.mp3");
+        QVERIFY(link(QFile::encodeName(In("in/4.mp3")), QFile::encodeName(In("in/7.mp3"))) == 0);
+        worker->files += {"T", "A", "L", "1999", "G", "7", In("in/7.mp3")};
+        PutSample("bare.mp3", In("out/5.mp3"));
+        PutSample("bare.mp3", In("out/6.mp3")); // which stays
+        AfterFile(8, [this] {
             QFile source(In("in/1.mp3"));
             QVERIFY(source.open(QIODevice::Append) && source.putChar('X') && QFile::remove(In("out/2.mp3")) &&
-                    QFile::resize(In("out/3.mp3"), 100));
+                    QFile::resize(In("out/3.mp3"), 100) && QFile::remove(In("out/5.mp3")));
         });
         Organise(0, 0, true);
-        Left("1.mp3 2.mp3 3.mp3", "in/1.mp3 in/2.mp3 in/3.mp3 out/1.mp3 out/3.mp3 out/4.mp3");
+        Left("1.mp3 2.mp3 3.mp3 5.mp3", "in/1.mp3 in/2.mp3 in/3.mp3 in/5.mp3 out/1.mp3 out/3.mp3 out/4.mp3 out/6.mp3 "
+                                        "out/7.mp3");
     }
 
     void copiesStayInside()

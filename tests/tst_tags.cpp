@@ -116,6 +116,20 @@ private slots:
                  noTags + fullTags);
     }
 
+    void soundInContainersIsNotTheFile()
+    {
+        // A wave file with MPEG sound, which begins as a wave file and goes on as an mp3 file.
+        const QTemporaryDir folder;
+        QByteArray wave = Bytes(TEST_DATA_DIR "/bare.wav");
+        const QByteArray frames = Bytes(TEST_DATA_DIR "/bare.mp3");
+        QFile file(folder.filePath("x.wav"));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(wave.replace(44, frames.size(), frames)) == wave.size());
+        file.close();
+        TagManager tags;
+        tags.path = file.fileName();
+        QVERIFY(tags.SetInfo(Tag::Title, "x") && Bytes(tags.path).startsWith("RIFF"));
+    }
+
     void unreadableFiles()
     {
         const QTemporaryDir folder;
