@@ -150,7 +150,7 @@ void MainWindow::CreatePopupMenus()
 /// What a mouse does by pointing. The menus' own shortcuts stand in the form.
 void MainWindow::BindKeys()
 {
-    for (const QKeySequence& keys : {QKeySequence(Qt::Key_Menu), QKeySequence(Qt::SHIFT + Qt::Key_F10)})
+    for (const QKeySequence& keys : {QKeySequence(Qt::Key_Menu), QKeySequence(QStringLiteral("Shift+F10"))})
         new QShortcut(keys, ui->listAudioFiles, this, &MainWindow::OnListAudioFilesMenuKey, Qt::WidgetShortcut);
 
     QAction* const removeSelected = removeMenu->actions().first();

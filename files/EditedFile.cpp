@@ -88,7 +88,8 @@ void EditedFile::Replace(qint64 position, qint64 count, const QByteArray& bytes)
     }
     const auto at = [this](std::size_t index) { return pieces.begin() + static_cast<std::ptrdiff_t>(index); };
     const std::size_t first = SplitAt(position);
-    pieces.erase(at(first), at(SplitAt(position + count)));
+    const std::size_t last = SplitAt(position + count); // apart: it may move all of them
+    pieces.erase(at(first), at(last));
     size += bytes.size() - count;
     if (bytes.isEmpty())
         return;
