@@ -64,10 +64,9 @@ void Organise(const char* from, const char* to, bool edits, int killAfter = -1)
             SAudioFile file = worker.tagManager.ReadFile(path);
             if (edits && worker.files.size() % 2)
                 worker.tagManager.WriteFile({file.Title + "!", "A", "L", "1968", "", "3", path});
-            // All but the title is there, so that the worker asks nobody.
-            const QString artist = BaseNameOf(path).section('-', 0, 0);
+            // The rest is in the name, so that the worker asks nobody.
             if (AudioExtensions().contains(ExtensionOf(path)))
-                worker.files += {file.Title, artist, "Album", "1968", "Folk", "3", path};
+                worker.files += {file.Title, file.Artist, "Album", "1968", "Folk", "3", path};
         }
         worker.settings = {1, 2, {}, false, false, true, to, !edits};
         worker.start();
@@ -123,6 +122,7 @@ void TryKills(int tries)
         Put("library/" + name, Bytes(samples + "bare." + type).replace(SharedAudio(type), Audio(piece, type)));
         Put(repaired, Bytes("library/" + name));
         TagLib::FileRef file(qPrintable(repaired), false);
+        file.tag()->setArtist(qPrintable(artist));
         file.tag()->setTitle("Song");
         Demand(file.save(), name);
     }

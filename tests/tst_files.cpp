@@ -24,61 +24,41 @@ namespace
 /// What a system call does instead of its work: it fails with the error that this returns, unless that is 0.
 std::function<int(const QByteArray& call)> onCall;
 
-template <class Work>
-long Called(const char* call, const Work& work)
+template <class... Arguments>
+long Call(const char* name, long number, Arguments... arguments)
 {
-    const int error = onCall ? onCall(call) : 0;
+    const int error = onCall ? onCall(name) : 0;
     if (error == 0)
-        return work();
+        return syscall(number, arguments...);
     errno = error;
     return -1;
 }
 } // namespace
 
-// These stand in front of the system's own.
-extern "C" {
-int fsync(int file)
-{
-    return static_cast<int>(Called("fsync", [=] { return syscall(SYS_fsync, file); }));
-}
-int open(const char* name, int flags, ...)
+/// Puts a function in front of the system's own.
+#define REPLACE(type, name, parameters, ...)                                                                           \
+    extern "C" type name parameters                                                                                    \
+    {                                                                                                                  \
+        return static_cast<type>(Call(#name, __VA_ARGS__));                                                            \
+    }
+REPLACE(int, fsync, (int file), SYS_fsync, file)
+REPLACE(int, fchmod, (int file, mode_t mode) noexcept, SYS_fchmod, file, mode)
+REPLACE(int, rename, (const char* from, const char* to) noexcept, SYS_rename, from, to)
+REPLACE(int, renameat2, (int from, const char* old, int to, const char* name, unsigned int flags) noexcept,
+        SYS_renameat2, from, old, to, name, flags)
+REPLACE(ssize_t, copy_file_range, (int from, off64_t* start, int to, off64_t* end, size_t size, unsigned int flags),
+        SYS_copy_file_range, from, start, to, end, size, flags)
+REPLACE(ssize_t, sendfile, (int to, int from, off_t* start, size_t size) noexcept, SYS_sendfile, to, from, start, size)
+REPLACE(ssize_t, pread, (int file, void* bytes, size_t size, off_t start), SYS_pread64, file, bytes, size, start)
+REPLACE(ssize_t, pwrite, (int file, const void* bytes, size_t size, off_t start), SYS_pwrite64, file, bytes, size,
+        start)
+extern "C" int open(const char* name, int flags, ...)
 {
     va_list arguments;
     va_start(arguments, flags);
     const mode_t mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    const auto work = [=] { return syscall(SYS_openat, AT_FDCWD, name, flags, mode); };
-    return static_cast<int>(flags & O_EXCL ? Called("open", work) : work());
-}
-int fchmod(int file, mode_t mode) noexcept
-{
-    return static_cast<int>(Called("fchmod", [=] { return syscall(SYS_fchmod, file, mode); }));
-}
-int renameat2(int oldFolder, const char* oldName, int newFolder, const char* newName, unsigned int flags) noexcept
-{
-    return static_cast<int>(
-        Called("renameat2", [=] { return syscall(SYS_renameat2, oldFolder, oldName, newFolder, newName, flags); }));
-}
-int rename(const char* oldName, const char* newName) noexcept
-{
-    return static_cast<int>(Called("rename", [=] { return syscall(SYS_rename, oldName, newName); }));
-}
-ssize_t copy_file_range(int from, off64_t* start, int to, off64_t* end, size_t size, unsigned int flags)
-{
-    return Called("copy_file_range", [=] { return syscall(SYS_copy_file_range, from, start, to, end, size, flags); });
-}
-ssize_t sendfile(int to, int from, off_t* start, size_t size) noexcept
-{
-    return Called("sendfile", [=] { return syscall(SYS_sendfile, to, from, start, size); });
-}
-ssize_t pread(int file, void* bytes, size_t size, off_t start)
-{
-    return Called("pread", [=] { return syscall(SYS_pread64, file, bytes, size, start); });
-}
-ssize_t pwrite(int file, const void* bytes, size_t size, off_t start)
-{
-    return Called("pwrite", [=] { return syscall(SYS_pwrite64, file, bytes, size, start); });
-}
+    return static_cast<int>(Call(flags & O_EXCL ? "open new" : "open", SYS_openat, AT_FDCWD, name, flags, mode));
 }
 
 /// The floor that writes: whatever the disk does, a file is as it was or as it was meant to be.
@@ -92,18 +72,16 @@ private:
     QString In(const QString& name) const { return folder->filePath(name); }
     QStringList Names() const { return QDir(folder->path()).entryList(QDir::Files | QDir::Hidden, QDir::Name); }
 
-    /// Does the work of one row: makes "copy.mp3", edits the title of "a.mp3", or saves "a.mp3" as a profile.
-    QString Work(const QString& what) const
+    /// Makes "copy.mp3" of "a.mp3", edits the title of that, or saves it as a profile. @return what the call says.
+    bool Work(const QString& what) const
     {
-        if (what == "copy") {
-            const SCopy copy = CopyFile(In("a.mp3"), In("copy.mp3"), [] { return true; });
-            return copy.result == CopyResult::Copied ? "copied" : "failed";
-        }
+        if (what == "copy")
+            return CopyFile(In("a.mp3"), In("copy.mp3"), [] { return true; }).result == CopyResult::Copied;
         if (what == "profile")
-            return WriteWholeFile(In("a.mp3"), "profile") ? "" : "not opened";
+            return WriteWholeFile(In("a.mp3"), "profile");
         TagManager tags;
         tags.path = In("a.mp3");
-        return tags.SetInfo(Tag::Title, what == "moves" ? QString(9999, 'm') : "Title with " + what) ? "" : "no tags";
+        return tags.SetInfo(Tag::Title, what == "moves" ? QString(9999, 'm') : "Title with " + what);
     }
 
 private slots:
@@ -136,69 +114,58 @@ private slots:
         }
     }
 
-    void failingCalls_data()
-    {
-        for (const char* column : {"work", "call", "result"})
-            QTest::addColumn<QString>(column);
-        QTest::addColumn<int>("nth");
-        QTest::addColumn<int>("error");
-        QTest::addColumn<bool>("done"); // all the same
-        const auto row = [](const char* work, const char* call, int nth, int error, const char* result,
-                            bool done = false) {
-            QTest::addRow("%s, %s %d: %s", work, call, nth, strerror(error))
-                << work << call << result << nth << error << done;
-        };
-        // 0 is each call of that kind.
-        row("copy", "fsync", 1, EIO, "failed");
-        row("copy", "fsync", 1, ENOSPC, "failed");
-        row("copy", "fsync", 0, EINVAL, "copied", true); // no such thing on this disk
-        row("copy", "renameat2", 1, EEXIST, "failed");
-        row("copy", "renameat2", 1, EINVAL, "copied", true);
-        row("copy", "copy_file_range", 0, EXDEV, "copied", true);
-        row("copy", "fchmod", 0, EPERM, "copied", true);
-        row("copy", "pread", 0, EIO, "failed");
-        row("copy", "pwrite", 1, ENOSPC, "failed");
-        row("fits", "pwrite", 2, EIO, "");
-        row("fits", "fsync", 1, EIO, "");
-        row("moves", "pwrite", 1, ENOSPC, "");
-        row("moves", "fsync", 1, EIO, "");
-        row("moves", "rename", 1, EACCES, "");
-        row("moves", "fchmod", 0, EPERM, "", true);
-        row("profile", "pwrite", 1, ENOSPC, "");
-        row("profile", "fsync", 1, EIO, "");
-        row("profile", "rename", 1, EIO, "");
-        row("profile", "open", 1, ENOSPC, "", true); // of a new file: the old one serves
-    }
     void failingCalls()
     {
-        QFETCH(QString, work);
-        QFETCH(QString, call);
-        QFETCH(int, nth);
-        QFETCH(int, error);
-        QFETCH(bool, done);
-        PutSample("full.mp3", In("a.mp3"));
-        Work("room");
-        const QByteArray before = Bytes(In("a.mp3"));
-        int count = 0, failures = 0;
-        onCall = [&](const QByteArray& name) {
-            // Reading and writing are the last resort of copying.
-            if (work == "copy" && call.startsWith('p') && (name == "copy_file_range" || name == "sendfile"))
-                return ENOSYS;
-            if (name != call || (nth && ++count != nth))
-                return 0;
-            ++failures;
-            return error;
+        const struct
+        {
+            const char *work, *call;
+            int nth; ///< 0 for each of them
+            int error;
+            bool done = false; ///< all the same
+        } rows[] = {
+            {"copy", "fsync", 1, EIO},
+            {"copy", "fsync", 1, ENOSPC},
+            {"copy", "fsync", 0, EINVAL, true}, // no such call on this disk
+            {"copy", "renameat2", 1, EEXIST},
+            {"copy", "renameat2", 1, EINVAL, true},
+            {"copy", "copy_file_range", 0, EXDEV, true},
+            {"copy", "fchmod", 0, EPERM, true},
+            {"copy", "pread", 0, EIO},
+            {"copy", "pwrite", 1, ENOSPC},
+            {"fits", "pwrite", 2, EIO},
+            {"fits", "fsync", 1, EIO},
+            {"moves", "open new", 1, ENOSPC},
+            {"moves", "pwrite", 1, ENOSPC},
+            {"moves", "fsync", 1, EIO},
+            {"moves", "rename", 1, EACCES},
+            {"moves", "fchmod", 0, EPERM, true},
+            {"profile", "pwrite", 1, ENOSPC},
+            {"profile", "fsync", 1, EIO},
+            {"profile", "rename", 1, EIO},
+            {"profile", "open new", 1, ENOSPC, true}, // then the old one serves
         };
-        QTEST(Work(work), "result");
-        onCall = nullptr;
-        QVERIFY(failures > 0);
-        const bool copied = work == "copy" && done;
-        QCOMPARE(Names(), copied ? QStringList({"a.mp3", "copy.mp3"}) : QStringList("a.mp3"));
-        QVERIFY(!copied || Bytes(In("copy.mp3")) == before);
-        QCOMPARE(Bytes(In("a.mp3")) != before, work != "copy" && done);
-        if (!work.startsWith('c')) {
-            Work(work); // and once more, undisturbed
-            QVERIFY(Bytes(In("a.mp3")) != before);
+        for (const auto& row : rows) {
+            init();
+            const std::string text = std::string(row.work) + ", " + row.call + ": " + strerror(row.error);
+            const char* const what = text.c_str();
+            PutSample("full.mp3", In("a.mp3"));
+            Work("room");
+            const QByteArray before = Bytes(In("a.mp3"));
+            const bool copies = !qstrcmp(row.work, "copy");
+            int count = 0;
+            onCall = [&](const QByteArray& name) {
+                // Reading and writing are the last resort of copying.
+                if (copies && *row.call == 'p' && (name == "copy_file_range" || name == "sendfile"))
+                    return ENOSYS;
+                return name == row.call && (++count == row.nth || row.nth == 0) ? row.error : 0;
+            };
+            const bool success = Work(row.work);
+            onCall = nullptr;
+            QVERIFY2(success == (!copies || row.done) && count > 0, what);
+            const bool copied = copies && row.done;
+            QCOMPARE(Names(), copied ? QStringList({"a.mp3", "copy.mp3"}) : QStringList("a.mp3"));
+            QVERIFY2(!copied || Bytes(In("copy.mp3")) == before, what);
+            QVERIFY2((Bytes(In("a.mp3")) != before) == (!copies && row.done), what);
         }
     }
 
@@ -223,11 +190,11 @@ private slots:
         QVERIFY(Bytes(In("a.mp3")) == Bytes(In("linked.mp3")));
         const timespec times[] = {{0, UTIME_OMIT}, {981173106, 789000000}};
         QVERIFY(utimensat(AT_FDCWD, path, times, 0) == 0);
-        QCOMPARE(Work("copy"), QString("copied"));
-        QCOMPARE(belongings("copy.mp3").section(' ', 0, 0), before.section(' ', 0, 0));
-        QCOMPARE(belongings("copy.mp3").section(' ', 3), before.section(' ', 3));
+        QVERIFY(Work("copy"));
+        const QString copy = belongings("copy.mp3"); // but for the owner
+        QCOMPARE(copy.section(' ', 0, 0) + copy.section(' ', 3), before.section(' ', 0, 0) + before.section(' ', 3));
         QCOMPARE(QFileInfo(In("copy.mp3")).lastModified().toMSecsSinceEpoch(), 981173106789);
-        QCOMPARE(Work("copy"), QString("failed")); // what is there stays
+        QVERIFY(!Work("copy")); // what is there stays
         Work("moves");
         QCOMPARE(belongings("a.mp3"), before);
         QVERIFY(Bytes(In("a.mp3")) != Bytes(In("linked.mp3")));
