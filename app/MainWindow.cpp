@@ -173,7 +173,7 @@ void MainWindow::ResetInterface()
     settings.outputFolder = StoredFolder(SettingsKey::outputFolder);
     ShowSettings();
     ui->progressOrganize->setValue(0);
-    ui->progressOrganize->setEnabled(false);
+    ui->progressOrganize->setEnabled(activity != Activity::Idle);
     ClearPreviews();
 }
 
@@ -202,17 +202,19 @@ void MainWindow::RefreshInterface()
     TakeOutputFolder(settings.outputFolder);
 }
 
-/// On X11 a Return in the open list of a choice arrives there twice, the second time after the list has closed. That
-/// one would ask for the custom scheme again.
 bool MainWindow::eventFilter(QObject* watched, QEvent* event)
 {
+    // On X11 a Return in the open list of a choice arrives there twice, the second time after the list has closed. That
+    // one would ask for the custom scheme again.
     const bool isKey = event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress;
-    return isKey && !static_cast<QWidget*>(watched)->isVisible();
+    if (watched == ui->comboRename->view() && isKey && !ui->comboRename->view()->isVisible())
+        return true;
+    return activity == Activity::Changing && IsInput(*watched, *event);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    event->ignore();
+    event->ignore(); // also at a log-out: whether we end is decided there
     on_actionExit_triggered();
 }
 

@@ -97,7 +97,7 @@ private slots:
 
 private:
     /// What the window is doing. Only an idle one takes drops. While files are added and during a run, the menus and
-    /// the settings stay in use; while tags or rows change, nothing takes input, enabled or not.
+    /// the settings stay in use; while tags or rows change, the window takes no input, but it can be closed.
     enum class Activity { Idle, Adding, Changing, Running };
     class ActivityGuard;
 
@@ -122,6 +122,8 @@ private:
     void ShowStatus(const QString& status);
     void BeginStage(const QString& status);
     [[nodiscard]] bool Pump();
+    bool IsInput(const QObject& receiver, const QEvent& event) const;
+    bool MayTakeFiles() const;
 
     void TakeOutputFolder(const QString& folder);
     void SignalSettingsChanged();

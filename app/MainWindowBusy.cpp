@@ -3,12 +3,14 @@
 #include "ui_MainWindow.h"
 
 #include <QAccessible>
-#include <QCoreApplication>
+#include <QApplication>
 
 MainWindow::ActivityGuard::ActivityGuard(MainWindow& busyWindow, Activity activity, const QString& status)
     : window(busyWindow), outer(busyWindow.activity), focused(busyWindow.focusWidget())
 {
     window.activity = activity;
+    if (activity == Activity::Changing)
+        qApp->installEventFilter(&window);
     if (!status.isEmpty())
         window.LookBusy(status);
 }
@@ -16,6 +18,8 @@ MainWindow::ActivityGuard::ActivityGuard(MainWindow& busyWindow, Activity activi
 MainWindow::ActivityGuard::~ActivityGuard()
 {
     window.activity = outer;
+    if (outer != Activity::Changing)
+        qApp->removeEventFilter(&window);
     if (outer == Activity::Idle)
         window.LookIdle(focused);
 }
@@ -69,7 +73,27 @@ void MainWindow::BeginStage(const QString& status)
 /// leave.
 bool MainWindow::Pump()
 {
-    QCoreApplication::processEvents(activity == Activity::Changing ? QEventLoop::ExcludeUserInputEvents
-                                                                   : QEventLoop::AllEvents);
+    // Input is not excluded here while tags change: it would only come later, and closing the window counts as input.
+    QCoreApplication::processEvents();
     return !quitting;
+}
+
+/// Whether an event is input to this window or its menus. Questions have windows of their own.
+bool MainWindow::IsInput(const QObject& receiver, const QEvent& event) const
+{
+    switch (event.type()) {
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::ContextMenu:
+    case QEvent::Wheel:
+    case QEvent::TouchBegin:
+        return receiver.isWidgetType() && static_cast<const QWidget&>(receiver).window() == this;
+    case QEvent::Shortcut:
+        return !QApplication::activeModalWidget();
+    default:
+        return false;
+    }
 }

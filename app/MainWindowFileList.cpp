@@ -154,6 +154,12 @@ void MainWindow::SynchronizeListAudioFiles(bool showProgress)
     }
 }
 
+/// Whether files from outside may join the list.
+bool MainWindow::MayTakeFiles() const
+{
+    return activity == Activity::Idle && !QApplication::activeModalWidget();
+}
+
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
     event->accept();
@@ -164,7 +170,7 @@ void MainWindow::dropEvent(QDropEvent* event)
     // Whatever the other side proposes, it must not take its files for moved.
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    if (activity != Activity::Idle)
+    if (!MayTakeFiles())
         return;
 
     QStringList paths;
@@ -175,7 +181,7 @@ void MainWindow::dropEvent(QDropEvent* event)
 
 void MainWindow::OpenPaths(const QStringList& paths)
 {
-    if (activity != Activity::Idle || QApplication::activeModalWidget())
+    if (!MayTakeFiles())
         return;
     if (paths.size() == 1 && ExtensionOf(paths.first()) == QLatin1String("ovp")) {
         if (MayOverwriteSettings())

@@ -85,7 +85,7 @@ void MainWindow::ProcessThreadFinished()
 void MainWindow::ReportRun()
 {
     QDir().mkpath(FolderOf(RunLogPath()));
-    if (!AppendToFile(RunLogPath(), QByteArray())) {
+    if (!AppendToFile(RunLogPath(), QByteArray())) { // only to see whether it can be written
         Warn(QString(), tr("Could not save log."));
         return;
     }

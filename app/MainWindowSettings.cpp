@@ -41,12 +41,13 @@ void MainWindow::on_comboRename_activated(int index)
 void MainWindow::on_checkSkipOrganize_clicked(bool checked)
 {
     settings.skipOrganize = checked;
-    ui->comboOrganizeBy->setEnabled(!checked);
-    ui->comboRename->setEnabled(!checked);
-    ui->editOutputFolder->setEnabled(!checked);
-    ui->buttonBrowseOutFold->setEnabled(!checked);
-    ui->editOutputPreview->setEnabled(!checked);
-    ui->checkDeleteOriginal->setEnabled(!checked);
+    for (QWidget* const setting :
+         std::initializer_list<QWidget*>{ui->comboOrganizeBy, ui->comboRename, ui->editOutputFolder,
+                                         ui->buttonBrowseOutFold, ui->editOutputPreview, ui->checkDeleteOriginal}) {
+        if (checked && setting->hasFocus())
+            ui->checkSkipOrganize->setFocus(); // or it would slide on to Start
+        setting->setEnabled(!checked);
+    }
     SignalSettingsChanged();
 }
 
@@ -94,6 +95,7 @@ void MainWindow::TakeOutputFolder(const QString& folder)
 void MainWindow::on_buttonBrowseOutFold_clicked()
 {
     const QString folder = AskForFolder(this, SettingsKey::outputFolder);
+    // Not TakeOutputFolder(): a chosen folder keeps its backslashes, and is remembered also while a load is unfinished.
     if (!folder.isEmpty()) {
         ui->editOutputFolder->setText(folder);
         settings.outputFolder = folder;

@@ -25,7 +25,7 @@ int main(int argc, char* argv[])
     commandLine.parse(arguments);
     if (commandLine.isSet(QStringLiteral("help")) || commandLine.isSet(QStringLiteral("help-all")) ||
         commandLine.isSet(QStringLiteral("version"))) {
-        // Without a display there is no other application object.
+        // QApplication needs a display, QCoreApplication does not.
         const QCoreApplication answering(argc, argv);
         QCoreApplication::setApplicationVersion(QStringLiteral(ORVANTO_VERSION));
         commandLine.process(answering);
@@ -38,6 +38,8 @@ int main(int argc, char* argv[])
     window.show();
 
     const QStringList paths = commandLine.positionalArguments();
+    // Not before the window is on the screen: adding keeps this thread busy, and a profile that cannot be read opens a
+    // message box.
     QTimer untilShown;
     QObject::connect(&untilShown, &QTimer::timeout, &window, [&] {
         if (!window.windowHandle()->isExposed())
