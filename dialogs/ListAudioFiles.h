@@ -4,7 +4,7 @@
 #include <QPixmap>
 
 /// The file list with the program's mark faintly in its middle, behind the rows. Selecting a row by key counts as a
-/// press on it: itemPressed() tells both. A row that is selected stays so until another one is.
+/// press on it: itemPressed() reports both. A row stays selected until another is.
 class ListAudioFiles : public QListWidget
 {
     Q_OBJECT

@@ -27,7 +27,7 @@ void PathLabel::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     const QRect room = contentsRect();
-    style()->drawItemText(&painter, room, int(alignment()), palette(), isEnabled(),
+    style()->drawItemText(&painter, room, static_cast<int>(alignment()), palette(), isEnabled(),
                           fontMetrics().elidedText(text(), Qt::ElideMiddle, room.width()), foregroundRole());
 }
 

@@ -5,7 +5,7 @@
 
 class QHelpEvent;
 
-/// Widgets for texts that may be longer than they are, such as paths.
+// Widgets for texts that may not fit, such as paths.
 
 /// Shows @p text at the place that @p event asks about; markup in it is shown as it is. An empty text
 /// hides the tool tip.

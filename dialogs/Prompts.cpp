@@ -90,7 +90,7 @@ QMessageBox::StandardButton Show(QMessageBox::Icon icon, const QString& title, c
         MakeScrollable(box);
     NameIcon(box);
     for (QAbstractButton* const button : box.buttons())
-        button->setIcon(QIcon()); // some desktops still give those of another age
+        button->setIcon(QIcon()); // some desktops still put dated icons on buttons
     PlaceOverMainWindow(box);
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }

@@ -28,7 +28,7 @@ public:
     /// Reads @p size bytes from @p position on. @return how many there were; -1 when the disk does not give them.
     qint64 Read(qint64 position, char* bytes, qint64 size) const;
     bool Write(qint64 position, const QByteArray& bytes);
-    /// Writes at the end that the file has at that moment; for files opened with O_APPEND.
+    /// Writes where the file stands, or at its end when it was opened with O_APPEND; serves pipes, too.
     bool Append(const QByteArray& bytes);
     bool Resize(qint64 size);
     /// How far what was written is followed: past the system's cache, or also past that of the drive. Only macOS makes

@@ -8,7 +8,7 @@
 #include <functional>
 
 /// A file that appears whole or not at all: it is written under a hidden name, `.orvanto-` and six characters, in the
-/// folder where it shall appear, and gets its name last. Until it has appeared, it is removed with this object; only a
+/// folder where it will appear, and gets its name last. Until it has appeared, it is removed with this object; only a
 /// killed program leaves it there.
 class NewFile
 {
@@ -42,7 +42,7 @@ public:
 
     /// Flushes and closes it. @return false when something of the content may be missing; it must not appear then.
     bool Finish();
-    /// Gives it its name. @return false when it could not, or something is there that shall stay.
+    /// Gives it its name. @return false when it could not, or something that must stay is already there.
     bool Appear(Existing existing);
 
 private:

@@ -21,11 +21,6 @@ const SOrganizeChoice* OrganizeChoiceAt(int organizeBy)
     return RowAt(organizeChoices, organizeBy);
 }
 
-const SRenameChoice* RenameChoiceAt(int renameIndex)
-{
-    return RowAt(renameChoices, renameIndex);
-}
-
 QString GenerateFileNameFromRenameScheme(const QString& scheme, const QString& artist, const QString& title,
                                          const QString& album, const QString& year, const QString& genre,
                                          const QString& track)
@@ -57,7 +52,7 @@ QString GenerateFileNameFromRenameScheme(const QString& scheme, const QString& a
 
 QString BuildFileName(const SAudioFile& file, int renameIndex, const QString& customScheme)
 {
-    const SRenameChoice* const choice = RenameChoiceAt(renameIndex);
+    const SRenameChoice* const choice = RowAt(renameChoices, renameIndex);
     if (!choice)
         return QString();
     if (renameIndex == originalNameIndex)

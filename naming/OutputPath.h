@@ -56,15 +56,6 @@ constexpr std::array<SRenameChoice, 7> renameChoices{{
 
 /// The row of the table at this index, which may be any number; null when there is none.
 const SOrganizeChoice* OrganizeChoiceAt(int organizeBy);
-const SRenameChoice* RenameChoiceAt(int renameIndex);
-inline bool IsOrganizeChoice(int organizeBy)
-{
-    return OrganizeChoiceAt(organizeBy);
-}
-inline bool IsRenameChoice(int renameIndex)
-{
-    return RenameChoiceAt(renameIndex);
-}
 
 /// Expands the placeholders "[Artist]" to "[Track]" of @p scheme in one scan. Other bracketed words, an unclosed "["
 /// and everything else stay as they are; values are inserted as passed in.
@@ -86,6 +77,6 @@ QString BuildFolderPath(const QString& outputFolder, const QStringList& folderTa
 /// tags in their place.
 QString BuildPreviewFileName(SAudioFile file, const SRunSettings& settings);
 
-/// What the preview shows as the output path of @p file, with @p fileName as its name. It is blind to "Unknown" and to
+/// What the preview shows as the output path of @p file, with @p fileName as its name. It ignores "Unknown" and to
 /// settings.skipOrganize.
 QString BuildPreviewPath(const SAudioFile& file, const SRunSettings& settings, const QString& fileName);

@@ -83,7 +83,7 @@ RunEnd ProcessThread::Process()
         emit SetProgress(files.size());
         return RunEnd::Complete;
     }
-    if (!IsOrganizeChoice(settings.organizeBy))
+    if (!OrganizeChoiceAt(settings.organizeBy))
         return RunEnd::Complete; // nothing is copied, so there are no originals to delete
     CreateFolders();
     const RunEnd copying = CopyFiles();

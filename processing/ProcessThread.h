@@ -18,13 +18,13 @@
 enum class RunEnd {
     Complete,
     Aborted,    ///< by the user, in the tag editor
-    Interrupted ///< because the program ends
+    Interrupted ///< on request
 };
 
 /// The worker: one run over its own copy of the file list. It repairs and writes tags, copies every file into the
 /// output tree and may delete the originals. Fill `files` and `settings`, start it, and read the results once it has
 /// finished; while it runs, nothing but the hand-off below may be written, and only `settings` read.
-/// requestInterruption() stops it at once, also within a file that it copies; then it deletes nothing more.
+/// requestInterruption() stops it before the next file, and within one that it copies; then it deletes nothing more.
 class ProcessThread : public QThread
 {
     Q_OBJECT
@@ -47,8 +47,8 @@ public:
     TagManager tagManager;
     SRunSettings settings; ///< settings.outputFolder has no trailing "/" here
 
-    RunEnd end = RunEnd::Complete;
-    QString failureText; ///< what could not be copied: a heading, then one source path a line
+    RunEnd end = RunEnd::Complete; ///< what the report says does not depend on it, by our decision
+    QString failureText;           ///< the report: a heading, then the sources in failedPaths, one a line
 
     /// The hand-off: the worker fills the record and waits while the flag is set. The interface thread writes the
     /// record and the result and clears the flag last; whoever sees the flag cleared sees the other two.
@@ -57,7 +57,7 @@ public:
     int dialogResult = -1; ///< 1 accepted, -1 not asked yet, anything else aborts the run
 
     QList<QString> outputPaths; ///< every destination that was decided on, in order
-    QList<QString> failedPaths; ///< sources that were not copied, in order
+    QList<QString> failedPaths; ///< sources that were not copied, or had changed when they were to be deleted, in order
 
 signals:
     /// Asks for the tag editor on `editedFile`.

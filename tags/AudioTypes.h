@@ -4,7 +4,7 @@
 #include <QStringList>
 
 /// The accepted file extensions, lower case and without dot, in the order in which every choice of them is offered.
-/// What a file really is, TagLib finds out from its content. Another type also wants a place in the desktop entry.
+/// What a file really is, TagLib finds out from its content. The files in packaging/ and the documents list them, too.
 inline const QStringList& AudioExtensions()
 {
     static const QStringList extensions{

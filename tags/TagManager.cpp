@@ -24,7 +24,7 @@ struct STagAccess
 };
 
 /// In the order in which all of them are written.
-constexpr std::array<STagAccess, 6> tagAccess{{
+constexpr std::array<STagAccess, allTags.size()> tagAccess{{
     {Tag::Album, &TagLib::Tag::album, &TagLib::Tag::setAlbum, nullptr, nullptr},
     {Tag::Artist, &TagLib::Tag::artist, &TagLib::Tag::setArtist, nullptr, nullptr},
     {Tag::Title, &TagLib::Tag::title, &TagLib::Tag::setTitle, nullptr, nullptr},
@@ -32,6 +32,8 @@ constexpr std::array<STagAccess, 6> tagAccess{{
     {Tag::Year, nullptr, nullptr, &TagLib::Tag::year, &TagLib::Tag::setYear},
     {Tag::Track, nullptr, nullptr, &TagLib::Tag::track, &TagLib::Tag::setTrack},
 }};
+
+static_assert(tagAccess.back().index != 0, "a tag lacks its row");
 
 /// Null when @p index names no tag.
 const STagAccess* AccessTo(int index)
@@ -49,7 +51,7 @@ QString Read(const TagLib::Tag& tag, const STagAccess& access)
 
 void Write(TagLib::Tag& tag, const STagAccess& access, const QString& text)
 {
-    // By way of UTF-8: TagLib's wide strings lose characters above U+FFFF where wchar_t has four bytes.
+    // Through UTF-8: TagLib's wide strings lose characters above U+FFFF where wchar_t has four bytes.
     const TagLib::String value(text.toStdString(), TagLib::String::UTF8);
     if (access.text)
         (tag.*access.setText)(value);
