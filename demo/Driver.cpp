@@ -323,19 +323,24 @@ Answer Dialog(const QString& title, const Answer& answer)
     };
 }
 
-Answer Fill(const QString& texts, const char* button)
+Answer Fill(const QString& acts)
 {
     return [=](QWidget* dialog) {
-        for (const QString& text : texts.split("; ", Qt::SkipEmptyParts))
-            Type(*dialog, qPrintable(text.section('=', 0, 0)), text.section('=', 1));
-        if (button)
-            Click(*dialog, button);
-        else
-            dialog->close();
+        for (const QString& act : acts.split("; ")) {
+            const QByteArray name = act.section('=', 0, 0).toLatin1();
+            if (act == "close")
+                dialog->close();
+            else if (name.startsWith("combo"))
+                Choose(*dialog, name, act.section('=', 1).toInt());
+            else if (name.startsWith("edit"))
+                Type(*dialog, name, act.section('=', 1));
+            else
+                Click(*dialog, name);
+        }
     };
 }
 
 Answer CloseSocial()
 {
-    return Dialog("Give Us a Like", Fill());
+    return Dialog("Give Us a Like", Fill("close"));
 }

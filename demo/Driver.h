@@ -92,6 +92,6 @@ Answer Success();
 Answer Files(const QString& caption, const QString& paths = {}, const QString& start = {});
 /// Does something with a dialog of this window title; it has to close it.
 Answer Dialog(const QString& title, const Answer& answer);
-/// Types into line edits of a dialog, "name=text; name=text", and clicks a button there; closes it without one.
-Answer Fill(const QString& texts = {}, const char* button = nullptr);
+/// Does one thing after another with a dialog: "editX=TEXT; comboX=INDEX; buttonX; close".
+Answer Fill(const QString& acts);
 Answer CloseSocial();

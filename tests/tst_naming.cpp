@@ -27,16 +27,13 @@ private slots:
         SRunSettings settings;
         settings.outputFolder = "/out/";
         settings.organizeBy = 0;
-        QStringList labels, folders;
-        for (const SOrganizeChoice& choice : organizeChoices) {
-            labels += choice.label;
+        QCOMPARE(organizeChoices.front().label, "Don't organize"); // no path shows it
+        QStringList folders;
+        for (std::size_t i = 0; i < organizeChoices.size(); ++i) {
             folders += BuildFolderPath("/out", FolderTags(song, settings.organizeBy)).mid(5);
             QCOMPARE(Preview(song, settings), QDir::cleanPath("/out/" + folders.last() + "/AC DC-Ti tle.mp3"));
             ++settings.organizeBy;
         }
-        QCOMPARE(labels.join('|'), QString("Don't organize|Artist|Artist/Album|Artist/Year|Year|Year/Artist|Year/Genre|"
-                                           "Year/Genre/Artist|Genre|Genre/Artist|Genre/Artist/Album|Genre/Artist/Year|"
-                                           "Genre/Year|Genre/Year/Artist|Album|Album/Artist"));
         QCOMPARE(folders.join('|'), QString("|AC DC|AC DC/Al bum|AC DC/1999|1999|1999/AC DC|1999/Rock|1999/Rock/AC DC|"
                                             "Rock|Rock/AC DC|Rock/AC DC/Al bum|Rock/AC DC/1999|Rock/1999|"
                                             "Rock/1999/AC DC|Al bum|Al bum/AC DC"));
@@ -90,8 +87,6 @@ private slots:
         QCOMPARE(names(file), QString("Unknown-Unknown-Album-Year-Genre-Track"));
         TakeStandInsBack(file);
         QCOMPARE(names(file), QString("---0--0"));
-        PutPreviewCaptions(file);
-        QCOMPARE(names(file), QString("Artist-Title-Album-Year-Genre-0"));
     }
 
     void oddities()
