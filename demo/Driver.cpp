@@ -98,7 +98,7 @@ QStringList Paths(const QString& text)
 
 void Click(const QObject& parent, const char* button)
 {
-    auto* const widget = Child<QAbstractButton>(parent, button);
+    auto* const widget = Child<QWidget>(parent, button);
     QVERIFY2(widget->isEnabled() && widget->isVisible(), button);
     // A check box reacts on its indicator and text only, which lie to the left.
     QTest::mouseClick(widget, Qt::LeftButton, {}, QPoint(qMin(10, widget->width() / 2), widget->height() / 2));
