@@ -100,8 +100,10 @@ void Click(const QObject& parent, const char* button)
 {
     auto* const widget = Child<QWidget>(parent, button);
     QVERIFY2(widget->isEnabled() && widget->isVisible(), button);
-    // A check box reacts on its indicator and text only, which lie to the left.
-    QTest::mouseClick(widget, Qt::LeftButton, {}, QPoint(qMin(10, widget->width() / 2), widget->height() / 2));
+    // A check box reacts on its indicator and text only, which lie to the left; a link is in the middle.
+    const int x = widget->width() / 2;
+    QTest::mouseClick(widget, Qt::LeftButton, {},
+                      {qobject_cast<QLabel*>(widget) ? x : qMin(10, x), widget->height() / 2});
 }
 
 void Choose(const QObject& parent, const char* comboBox, int index)

@@ -19,6 +19,7 @@ Widget* Child(const QObject& parent, const char* name)
     return child;
 }
 
+/// Clicks a button, or the link in a label.
 void Click(const QObject& parent, const char* button);
 /// Chooses an entry as the user does, so that the box signals its activation.
 void Choose(const QObject& parent, const char* comboBox, int index);

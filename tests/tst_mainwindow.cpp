@@ -17,7 +17,6 @@ namespace
 {
 const QString cleared = "textInfo=Artist:|Title:|Album:|Year:|Genre:|Track:; editOutputPreview=";
 const QString bareInfo = "textInfo=Artist: |Title: |Album: |Year: 0|Genre: |Track: 0";
-const QString updating = "Updating audio file list...";
 const QString advice = "\nOrvanto could not fix the invalid tags. For better results try to manually edit the tags or "
                        "try a different organize/rename pattern.";
 const QString deleteOriginals =
@@ -170,9 +169,7 @@ private:
 private slots:
     void initTestCase()
     {
-        QFont large = QApplication::font();
-        large.setPointSizeF(large.pointSizeF() * 1.5); // every caption has to fit
-        QApplication::setFont(large);
+        QApplication::setFont(QFont(QApplication::font().family(), 14)); // every caption has to fit
     }
 
     void init()
@@ -213,7 +210,7 @@ private slots:
         Put("full.spx", "other/f.spx");
         QVERIFY(QFile::link(Home("other"), Home("lib/sub/link")) && QFile::link(Home("lib/b.mp3"), Home("lib/l.mp3")));
         const auto drops = EachTurn([this] { // which adds nothing while files are being added
-            if (Status() == updating)
+            if (Status() == "Updating audio file list...")
                 DropOn(*window, {Home("late")});
         });
         // The smallest first, of equals the last name.
@@ -225,7 +222,6 @@ private slots:
              folder + "; [AddFolderPath]=~/lib; Updating 25% 50% 75%");
         Step("buttonAdd Folder with Subfolders", {Files("Select folder", "lib", "lib")},
              all + "; Updating 16% 33% 50% 66% 83%");
-        Step("buttonAdd File(s)", {Files(files, {}, "Music")}, "");
         Step("buttonAdd File(s)", {Files(files, "lib/notes.txt|lib/b.mp3|other/f.spx|other/f.spx", "Music")},
              all + "|~/other/f.spx; [AddFilesPath]=~/lib; Updating" + seven);
         Step("buttonAdd File(s)", {Files(files, {}, "lib")}, "");
@@ -283,13 +279,13 @@ private slots:
         Put("bare.ogg", "x/2.ogg");
         Put("bare.wv", "x/3.wv");
         const QString preview = "editOutputPreview=~/Music/Artist/Artist-Title.";
-        const QImage empty = List().viewport()->grab().toImage();
+        const QRect room = List().viewport()->rect().adjusted(1, 1, -1, -1); // within the mark of the focus
+        const QImage empty = List().viewport()->grab(room).toImage();
         Step("drop x/1.mp3|x/2.ogg|x/3.wv", {}, "listAudioFiles=~/x/1.mp3|~/x/2.ogg|~/x/3.wv; Updating 33% 66%");
-        const QImage withRows = List().viewport()->grab().toImage();
+        const QImage withRows = List().viewport()->grab(room).toImage();
         QImage blank = withRows;
         blank.fill(empty.pixel(0, 0));
         QVERIFY(empty != blank && withRows != empty); // the mark, and the rows
-        Step("buttonRemove Selected", {}, "");
         Step("press 0", {},
              "listAudioFiles=>~/x/1.mp3|~/x/2.ogg|~/x/3.wv; editOutputPreview=~/Music/A/A-T.mp3; textInfo=Artist: "
              "A|Title: T|Album: L|Year: 1999|Genre: G|Track: 7");
@@ -379,9 +375,9 @@ private slots:
         QVERIFY(folder->hasFocus());
         QVERIFY(QFile(Home("p.ovp")).open(QIODevice::WriteOnly));
         open("p.ovp");
-        Compare(Visible(*window).filter("title"), "title=Orvanto - p");
         Answers dialogs({Warning("Could not load profile."), No(loseSettings)});
         open("missing.ovp");
+        Compare(Visible(*window).filter("title"), "title=Orvanto - p");
         open("p.ovp"); // from here on, changes are marked again
         Do("checkDeleteOriginal");
         open("p.ovp");
@@ -393,6 +389,9 @@ private slots:
         const QString folder = "Documents/Orvanto/Profiles", profile = "Documents/my.set.ovp";
         const QString overwrite = "This will overwrite your current settings. Continue?";
         Step("actionNew", {}, "[OutputFolderPath]=~/Music");
+        Do("comboOrganizeBy 1");
+        Step("actionNew", {Yes(overwrite)}, "title=Orvanto");
+        Step("actionNew", {}, "");
         Put("full.mp3", "x/1.mp3");
         Do("drop x/1.mp3; press 0");
         Step("actionNew", {No(overwrite)}, "");
@@ -508,9 +507,6 @@ private slots:
              "editOutputPreview=~/Music/All/All-New.mp3; textInfo=Artist: All|Title: New|Album: LP |Year: MCM|Genre: "
              "|Track: 8; Writing 10% 20% 30% 40% 50% 60% 70% 80% 90% 100%");
         QVERIFY(dropped);
-        const SAudioFile file = TagManager().ReadFile(first); // where a year that is no number is none
-        QCOMPARE(QStringList({file.Artist, file.Title, file.Album, file.Year, file.Genre, file.Track}).join('|'),
-                 QString("All|New|LP |0||8"));
         QCOMPARE(Artist(last), QString("All"));
     }
 
@@ -612,7 +608,7 @@ private slots:
         const auto scrolls = [&](QWidget* box) {
             QCOMPARE(box->findChild<QPlainTextEdit*>()->toPlainText(), report + advice);
             QVERIFY(!Child<QLabel>(*box, "qt_msgbox_label")->isVisible());
-            QCOMPARE(Ring(*box), QString("ring=OK|Report"));
+            Compare(Visible(*box).filter(QRegularExpression("^(ring|unreadable)=")), "ring=OK|Report");
             QVERIFY((box->geometry().center() - window->geometry().center()).manhattanLength() < 5);
             QTest::keyClick(box, Qt::Key_Return);
         };
@@ -661,7 +657,7 @@ private slots:
         for (int i = 0; i < 100; ++i)
             Put("bare.spx", QString("in/%1.spx").arg(i));
         auto close = EachTurn([this] {
-            if (Status() == updating)
+            if (Status() == "Updating audio file list...")
                 window->close();
         });
         QVERIFY(Ends("drop in", {}));
