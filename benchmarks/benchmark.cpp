@@ -166,7 +166,7 @@ public:
     /// Removing the first row rebuilds all others.
     double Rebuild()
     {
-        Press();
+        Act(window, "press 0");
         QElapsedTimer clock;
         Answers answers({Entry({"Selected", "All"}, "Selected"), StartingClock(clock)});
         Click(window, "buttonRemove");
@@ -211,8 +211,7 @@ public:
         Type(window, "editOutputFolder", output);
         Choose(window, "comboRename", 0);
         Choose(window, "comboOrganizeBy", organizeBy);
-        Answers answers(
-            {Box(QMessageBox::Information, "Operation finished successfully!", QMessageBox::Ok, QMessageBox::Ok)});
+        Answers answers({Success()});
         return Seconds([&] {
             Click(window, "buttonOrganize");
             while (!Child<QWidget>(window, "buttonOrganize")->isEnabled())
@@ -223,8 +222,7 @@ public:
     /// Empties the title of every file, which the click on Start does before it returns; the run gives it a new one.
     double Erase(const QString& output)
     {
-        Answers answers(
-            {Box(QMessageBox::Information, "Operation finished successfully!", QMessageBox::Ok, QMessageBox::Ok)});
+        Answers answers({Success()});
         Empty(output);
         Type(window, "editOutputFolder", output);
         const double seconds = Seconds([&] { Click(window, "buttonOrganize"); });
@@ -235,7 +233,7 @@ public:
 
     double BatchEdit(const char* field, const QString& text)
     {
-        Press();
+        Act(window, "press 0");
         QElapsedTimer clock;
         Answers answers({Dialog("Batch Edit Tags",
                                 [&](QWidget* editor) {
@@ -251,10 +249,6 @@ private:
     MainWindow window{nullptr};
     QListWidget* const list = Child<QListWidget>(window, "listAudioFiles");
 
-    void Press() const
-    {
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(0)).center());
-    }
     /// Says Yes, after which the work begins.
     static Answer StartingClock(QElapsedTimer& clock)
     {

@@ -1,28 +1,109 @@
 #include "demo/Driver.h"
 
 #include <QAbstractItemView>
+#include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDesktopServices>
+#include <QDir>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenu>
 #include <QMimeData>
+#include <QProgressBar>
 #include <QPushButton>
+#include <QWindow>
 
 namespace
 {
 constexpr int lookInterval = 5;   // milliseconds
+constexpr int patience = 5000;    // milliseconds
 constexpr int ticksToClose = 600; // looks at a dialog that was answered and stays
+
+const QMap<QByteArray, QStringList> menus{{"buttonAdd", {"File(s)", "Folder", "Folder with Subfolders", "Search"}},
+                                          {"buttonRemove", {"Selected", "All"}},
+                                          {"row", {"Edit Tags", "Batch Edit Tags", "-", "Remove"}}};
+
+/// Whether a caption, where it is one, is not drawn whole.
+bool IsCut(const QWidget& caption)
+{
+    if (const auto* const button = qobject_cast<const QPushButton*>(&caption)) // whose size hint has a least width
+        return button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width() > button->width();
+    const auto* const label = qobject_cast<const QLabel*>(&caption);
+    if (label && label->wordWrap())
+        return label->heightForWidth(label->width()) > label->height();
+    return (label || caption.inherits("QAbstractButton")) && caption.sizeHint().width() > caption.width();
+}
+/// What a screen reader calls a widget. A combo box may have its choice as its name, and its caption as its label.
+QString Name(QWidget* widget)
+{
+    QAccessibleInterface* const interface = QAccessible::queryAccessibleInterface(widget);
+    return (qobject_cast<QComboBox*>(widget) ? interface->relations(QAccessible::Label).value(0).first : interface)
+        ->text(QAccessible::Name);
+}
+
 } // namespace
+
+QString Ring(const QWidget& window)
+{
+    QStringList ring;
+    for (QWidget* widget = window.nextInFocusChain(); widget != &window; widget = widget->nextInFocusChain()) {
+        if (widget->isVisibleTo(&window) && widget->focusPolicy() & Qt::TabFocus)
+            ring += Name(widget);
+    }
+    return "ring=" + ring.join('|');
+}
+
+QStringList Visible(const QWidget& window)
+{
+    static const QRegularExpression names("^(button|check|combo|edit|list|progress|radio|text)[A-Z]|Label$");
+    QStringList seen{"title=" + window.windowTitle() + (window.isVisible() ? "" : " (closed)"), Ring(window)};
+    for (auto* const widget : window.findChildren<QWidget*>()) {
+        const QString name = widget->objectName();
+        if (widget->window() != &window || !widget->isVisible())
+            continue;
+        if (name != "textFilePath" && name != "textInfo" && IsCut(*widget))
+            seen += "cut=" + name;
+        const bool isRead = qobject_cast<QLabel*>(widget) || qobject_cast<QProgressBar*>(widget);
+        const QString described = QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Description);
+        if (isRead && (Name(widget).isEmpty() || described.contains('<')))
+            seen += "unreadable=" + name;
+        if (!name.contains(names))
+            continue;
+        const bool checkable = widget->property("checkable").toBool();
+        QVariant value = widget->property(checkable ? "checked" : "text");
+        if (const auto* const list = qobject_cast<const QListWidget*>(widget)) {
+            QStringList rows;
+            for (int row = 0; row < list->count(); ++row)
+                rows += (list->item(row)->isSelected() ? ">" : "") + list->item(row)->text();
+            value = rows.join('|');
+        }
+        seen += name + '=' + (value.isValid() ? value : widget->property("currentText")).toString() +
+                (widget->isEnabled() ? "" : " (off)");
+    }
+    return seen.replaceInStrings(QDir::homePath(), "~").replaceInStrings("\n", "|");
+}
+
+QStringList Paths(const QString& text)
+{
+    QStringList paths;
+    for (const QString& path : text.split('|', Qt::SkipEmptyParts))
+        paths += QDir::home().filePath(path);
+    return paths;
+}
 
 void Click(const QObject& parent, const char* button)
 {
-    auto* const widget = Child<QAbstractButton>(parent, button);
+    auto* const widget = Child<QWidget>(parent, button);
     QVERIFY2(widget->isEnabled() && widget->isVisible(), button);
-    // A check box reacts on its indicator and text only, which lie to the left.
-    QTest::mouseClick(widget, Qt::LeftButton, {}, QPoint(qMin(10, widget->width() / 2), widget->height() / 2));
+    // A check box reacts on its indicator and text only, which lie to the left; a link is in the middle.
+    const int x = widget->width() / 2;
+    QTest::mouseClick(widget, Qt::LeftButton, {},
+                      {qobject_cast<QLabel*>(widget) ? x : qMin(10, x), widget->height() / 2});
 }
 
 void Choose(const QObject& parent, const char* comboBox, int index)
@@ -31,7 +112,9 @@ void Choose(const QObject& parent, const char* comboBox, int index)
     QVERIFY2(box->isEnabled() && index < box->count(), comboBox);
     box->showPopup();
     box->view()->setCurrentIndex(box->model()->index(index, 0));
-    QTest::keyClick(box->view(), Qt::Key_Return);
+    QAbstractItemView& list = *box->view();
+    QTest::keyClick(&list, Qt::Key_Return);
+    QTest::keyClick(&list, Qt::Key_Return); // X11 sends it once more when the list has closed
 }
 
 void Type(const QObject& parent, const char* lineEdit, const QString& text)
@@ -56,6 +139,39 @@ void DropOn(QWidget& window, const QStringList& paths)
     QCOMPARE(drop.proposedAction(), Qt::MoveAction);
     QApplication::sendEvent(&window, &drop);
     QCOMPARE(drop.dropAction(), Qt::CopyAction);
+}
+
+void Act(QWidget& window, const QString& act, QList<Answer> answers)
+{
+    const QByteArray name = act.section(' ', 0, 0).toLatin1();
+    const QString rest = act.section(' ', 1);
+    if (menus.contains(name))
+        answers.prepend(Entry(menus[name], name == "row" ? rest.section(' ', 1) : rest));
+    Answers dialogs(answers);
+    if (name == "drop") {
+        DropOn(window, Paths(rest));
+    } else if (name == "press" || name == "row") {
+        auto& list = *Child<QListWidget>(window, "listAudioFiles");
+        const QPoint place = list.visualItemRect(list.item(rest.section(' ', 0, 0).toInt())).center();
+        QCursor::setPos(list.viewport()->mapToGlobal(place));
+        QTest::mouseClick(list.viewport(), name == "row" ? Qt::RightButton : Qt::LeftButton, {}, place);
+        QContextMenuEvent wanted(QContextMenuEvent::Mouse, place, QCursor::pos()); // follows from the system
+        if (name == "row")
+            QApplication::sendEvent(list.viewport(), &wanted);
+    } else if (name == "close") {
+        window.close();
+    } else if (name.startsWith("action")) {
+        Child<QAction>(window, name)->trigger();
+    } else if (name.startsWith("combo")) {
+        Choose(window, name, rest.toInt());
+    } else if (name.startsWith("edit")) {
+        Type(window, name, rest);
+    } else {
+        Click(window, name);
+    }
+    const auto isOver = [&] { return !window.isVisible() || Child<QWidget>(window, "buttonOrganize")->isEnabled(); };
+    QVERIFY2(QTest::qWaitFor(isOver, patience), qPrintable(act));
+    dialogs.Finish();
 }
 
 Outside::Outside()
@@ -99,7 +215,7 @@ void Answers::Finish()
 {
     // Not QTRY_VERIFY, which waits three times as long for what fails.
     const auto isOver = [this] { return answers.isEmpty() && !QApplication::activeModalWidget(); };
-    QVERIFY(QTest::qWaitFor(isOver, 4000));
+    QVERIFY(QTest::qWaitFor(isOver, patience));
 }
 
 void Answers::Look()
@@ -154,6 +270,7 @@ Answer Box(QMessageBox::Icon icon, const QString& text, QMessageBox::StandardBut
         QVERIFY2(box, shown->metaObject()->className());
         QCOMPARE(box->text(), text);
         QCOMPARE(box->windowTitle(), title);
+        QCOMPARE(box->windowHandle()->title(), title.isEmpty() ? "Orvanto" : title);
         QCOMPARE(box->icon(), icon);
         QCOMPARE(box->standardButtons(), buttons);
         QCOMPARE(box->textFormat(), Qt::PlainText);
@@ -177,16 +294,24 @@ Answer Warning(const QString& text, const QString& title)
     return Box(QMessageBox::Warning, text, QMessageBox::Ok, QMessageBox::Ok, title);
 }
 
-Answer Files(const QString& caption, const QStringList& paths)
+Answer Success()
 {
-    return Dialog(caption, [paths](QWidget* shown) {
+    return Box(QMessageBox::Information, "Operation finished successfully!", QMessageBox::Ok, QMessageBox::Ok);
+}
+
+Answer Files(const QString& caption, const QString& paths, const QString& start)
+{
+    return Dialog(caption, [=](QWidget* shown) {
         auto* const dialog = qobject_cast<QFileDialog*>(shown);
         QVERIFY2(dialog, shown->metaObject()->className());
+        if (!start.isEmpty())
+            QCOMPARE(dialog->directory().path(), Paths(start).first());
         if (paths.isEmpty()) {
             dialog->reject();
             return;
         }
-        const QString typed = paths.size() == 1 ? paths.first() : '"' + paths.join("\" \"") + '"';
+        const QStringList all = Paths(paths);
+        const QString typed = all.size() == 1 ? all.first() : '"' + all.join("\" \"") + '"';
         Child<QLineEdit>(*dialog, "fileNameEdit")->setText(typed);
         QMetaObject::invokeMethod(dialog, "accept");
     });
@@ -198,4 +323,26 @@ Answer Dialog(const QString& title, const Answer& answer)
         QCOMPARE(shown->windowTitle(), title);
         answer(shown);
     };
+}
+
+Answer Fill(const QString& acts)
+{
+    return [=](QWidget* dialog) {
+        for (const QString& act : acts.split("; ")) {
+            const QByteArray name = act.section('=', 0, 0).toLatin1();
+            if (act == "close")
+                dialog->close();
+            else if (name.startsWith("combo"))
+                Choose(*dialog, name, act.section('=', 1).toInt());
+            else if (name.startsWith("edit"))
+                Type(*dialog, name, act.section('=', 1));
+            else
+                Click(*dialog, name);
+        }
+    };
+}
+
+Answer CloseSocial()
+{
+    return Dialog("Give Us a Like", Fill("close"));
 }

@@ -19,6 +19,7 @@ Widget* Child(const QObject& parent, const char* name)
     return child;
 }
 
+/// Clicks a button, or the link in a label.
 void Click(const QObject& parent, const char* button);
 /// Chooses an entry as the user does, so that the box signals its activation.
 void Choose(const QObject& parent, const char* comboBox, int index);
@@ -26,6 +27,14 @@ void Choose(const QObject& parent, const char* comboBox, int index);
 void Type(const QObject& parent, const char* lineEdit, const QString& text);
 /// Drops files and folders on @p window, offered to be moved, as a file manager does.
 void DropOn(QWidget& window, const QStringList& paths);
+
+/// "ring=" and the names, for a screen reader, of what the Tab key goes through in @p window.
+QString Ring(const QWidget& window);
+/// What @p window shows, as "name=value": every control's value, with "(off)" when it takes no input; its Ring(); "cut"
+/// and "unreadable" captions, for the eye and for a screen reader. "~" is the home folder.
+QStringList Visible(const QWidget& window);
+/// The paths that @p text names, separated by "|"; relative ones are in the home folder.
+QStringList Paths(const QString& text);
 
 /// Catches what leaves the program for the browser or another application while it lives.
 class Outside : public QObject
@@ -43,6 +52,11 @@ private slots:
 };
 
 using Answer = std::function<void(QWidget*)>;
+
+/// Does something with the main window as the user would: "drop PATHS", "press ROW", "row ROW ENTRY" of its menu,
+/// "actionX", "comboX INDEX", "editX TEXT", "buttonX", "buttonX ENTRY" of its menu, "close". Gives @p answers to the
+/// dialogs that follow, and waits until the window is idle or closed.
+void Act(QWidget& window, const QString& act, QList<Answer> answers = {});
 
 /// Answers that are given to the modal dialogs and popup menus that come up while it lives, one each and in order,
 /// as soon as they are shown.
@@ -72,7 +86,13 @@ Answer Box(QMessageBox::Icon icon, const QString& text, QMessageBox::StandardBut
            QMessageBox::StandardButton answer, const QString& title = QString());
 Answer Question(const QString& text, QMessageBox::StandardButton answer);
 Answer Warning(const QString& text, const QString& title = QString());
-/// Accepts a file dialog with these paths after comparing its caption; cancels it without.
-Answer Files(const QString& caption, const QStringList& paths);
+/// Closes the box that a run without failures ends with.
+Answer Success();
+/// Accepts a file dialog with these Paths(), after comparing its caption and, if there is one, the folder that it
+/// starts in; cancels it without paths.
+Answer Files(const QString& caption, const QString& paths = {}, const QString& start = {});
 /// Does something with a dialog of this window title; it has to close it.
 Answer Dialog(const QString& title, const Answer& answer);
+/// Does one thing after another with a dialog: "editX=TEXT; comboX=INDEX; buttonX; close".
+Answer Fill(const QString& acts);
+Answer CloseSocial();

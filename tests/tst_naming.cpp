@@ -26,17 +26,13 @@ private slots:
     {
         SRunSettings settings;
         settings.outputFolder = "/out/";
-        settings.organizeBy = 0;
-        QStringList labels, folders;
-        for (const SOrganizeChoice& choice : organizeChoices) {
-            labels += choice.label;
+        QCOMPARE(organizeChoices.front().label, "Don't organize"); // no path shows it
+        QStringList folders;
+        const int choices = static_cast<int>(organizeChoices.size());
+        for (settings.organizeBy = 0; settings.organizeBy < choices; ++settings.organizeBy) {
             folders += BuildFolderPath("/out", FolderTags(song, settings.organizeBy)).mid(5);
             QCOMPARE(Preview(song, settings), QDir::cleanPath("/out/" + folders.last() + "/AC DC-Ti tle.mp3"));
-            ++settings.organizeBy;
         }
-        QCOMPARE(labels.join('|'), QString("Don't organize|Artist|Artist/Album|Artist/Year|Year|Year/Artist|Year/Genre|"
-                                           "Year/Genre/Artist|Genre|Genre/Artist|Genre/Artist/Album|Genre/Artist/Year|"
-                                           "Genre/Year|Genre/Year/Artist|Album|Album/Artist"));
         QCOMPARE(folders.join('|'), QString("|AC DC|AC DC/Al bum|AC DC/1999|1999|1999/AC DC|1999/Rock|1999/Rock/AC DC|"
                                             "Rock|Rock/AC DC|Rock/AC DC/Al bum|Rock/AC DC/1999|Rock/1999|"
                                             "Rock/1999/AC DC|Al bum|Al bum/AC DC"));
@@ -74,7 +70,6 @@ private slots:
                                  {"[[Artist]", "[[Artist]"},
                                  {"x]", "x]"},
                                  {"[artist][Comment]", "[artist][Comment]"},
-                                 {"", ""},
                                  {"[Year]%1[", "[Album]%1["}}; // inserted values are not expanded again
         for (const auto& [scheme, name] : rows)
             QCOMPARE(GenerateFileNameFromRenameScheme(scheme, "A", "T", "", "[Album]", "G", "5"), QString(name));
@@ -90,8 +85,6 @@ private slots:
         QCOMPARE(names(file), QString("Unknown-Unknown-Album-Year-Genre-Track"));
         TakeStandInsBack(file);
         QCOMPARE(names(file), QString("---0--0"));
-        PutPreviewCaptions(file);
-        QCOMPARE(names(file), QString("Artist-Title-Album-Year-Genre-0"));
     }
 
     void oddities()
@@ -99,23 +92,17 @@ private slots:
         // In the preview, a value is replaced again by later tags, and a missing tag leaves its word.
         const SAudioFile words{"", "The Album Year", "", "1999", "Rock", "", "/x.ogg"};
         const SAudioFile climber{"../x", "../../etc", "..", "", "", "", "/x.ogg"}; // stays in the output folder
-        const struct
-        {
-            const SAudioFile& file;
-            int organizeBy, rename;
-            const char* paths; // the worker's folder, its name, the preview
-        } rows[] = {
+        const std::tuple<SAudioFile, int, int, const char*> rows[] = {
+            // the worker's folder, its name, the preview
             {words, 10, 2,
              "o//Rock/The Album Year/|The Album Year-|o/Rock/The Album 1999/Album/The Album Year-Title.ogg"},
             {climber, 2, 1, "o//      etc/|   x|o/      etc/   x.ogg"},
-            {song, -1, -1, "o/||o//.mp3"},
-            {song, 16, 7, "o/||o//.mp3"},
-        };
-        for (const auto& row : rows) {
-            const SRunSettings settings{row.organizeBy, row.rename, "x", false, false, false, "o/", false};
-            const QStringList paths{BuildFolderPath("o/", FolderTags(row.file, row.organizeBy)),
-                                    BuildFileName(row.file, row.rename, "x"), Preview(row.file, settings)};
-            QCOMPARE(paths.join('|'), QString(row.paths));
+            {song, 16, 7, "o/||o//.mp3"}};
+        for (const auto& [file, organizeBy, rename, paths] : rows) {
+            const SRunSettings settings{organizeBy, rename, "x", false, false, false, "o/", false};
+            QCOMPARE(BuildFolderPath("o/", FolderTags(file, organizeBy)) + '|' + BuildFileName(file, rename, "x") +
+                         '|' + Preview(file, settings),
+                     QString(paths));
         }
     }
 
@@ -127,14 +114,11 @@ private slots:
         QCOMPARE(ProfileText(settings), text);
         const QByteArray rows[][2] = {
             {text, text},
-            {"1\n=2 \nx\nyes\n-1\n2\nx=/o\r\nk=1", // by position, the key is not looked at
-             "organizeBy=1\nrename=2\ncustomRenameScheme=x\nskipOrganize=0\ntagFixManual=1\nonlyEditInvalidTags=1\n"
-             "outputFolder=/o\r\ndeleteOriginal=1\n"},
-            {"a= 3\t\nb=99", "organizeBy=3\nrename=99\ncustomRenameScheme=\nskipOrganize=0\ntagFixManual=0\n"
-                             "onlyEditInvalidTags=0\noutputFolder=\ndeleteOriginal=0\n"},
-            {QByteArray(1 << 20, '='), ProfileText({0, 0, "", false, false, false, "", false})},
-            {"\n\n\xff\n", ProfileText({0, 0, QString(QChar(0xFFFD)), false, false, false, "", false})},
-        };
+            {"1\n=2 \n\xff\nyes\n-1\n2\nx=/o\r\nk=1", // by position, the key is not looked at
+             "organizeBy=1\nrename=2\ncustomRenameScheme=\xef\xbf\xbd\nskipOrganize=0\ntagFixManual=1\n"
+             "onlyEditInvalidTags=1\noutputFolder=/o\r\ndeleteOriginal=1\n"},
+            {"a= 3\t\nb=99", ProfileText({3, 99, "", false, false, false, "", false})},
+            {QByteArray(1 << 20, '='), ProfileText({0, 0, "", false, false, false, "", false})}};
         for (const auto& [in, out] : rows) {
             QBuffer buffer;
             buffer.setData(in);
