@@ -2,8 +2,8 @@
 
 #include <QString>
 
-/// Every web address that the program opens. A maker sets the hosts here, and that of the home page in
-/// CMakeLists.txt, from where the package takes it, too.
+/// Every web address that the program opens. Whoever publishes the program sets the hosts here, and that of the home
+/// page in CMakeLists.txt, from where the package takes it, too.
 namespace WebPage
 {
 inline const QString discogsName = QStringLiteral("discogs.com");
