@@ -62,16 +62,18 @@ private slots:
             QCOMPARE(Texts(tags.ReadFile(QStringLiteral(TEST_DATA_DIR "/full.") + extension)), fullTags);
             QCOMPARE(Texts(tags.ReadFile(QStringLiteral(TEST_DATA_DIR "/bare.") + extension)), noTags);
 
-            // Beyond U+FFFF, both normalisation forms, and ten thousand characters. The content says what a file is,
-            // whatever its name says.
+            // Beyond U+FFFF, both normalisation forms, and ten thousand characters. A path may come in either form. The
+            // content says what a file is, whatever its name says.
             SAudioFile file{"𝄞 😀 𠀀", "é e\u0301", QString(10000, 'x'), "2024", "Ünïcode", "12", {}};
-            const QString misnamed = folder.filePath(extension + (extension == "wv" ? ".mp3" : ".wv"));
+            const QString misnamed = folder.filePath("é" + extension + (extension == "wv" ? ".mp3" : ".wv"));
             for (const QString& path : {misnamed, folder.filePath("x." + extension)}) {
-                file.Path = PutSample("bare." + extension, path);
+                PutSample("bare." + extension, path.normalized(QString::NormalizationForm_D));
+                file.Path = path;
                 tags.WriteFile(file);
                 QCOMPARE(Texts(tags.ReadFile(path)), Texts(file));
             }
-            QVERIFY2(Bytes(misnamed) == Bytes(file.Path), qPrintable(extension));
+            QVERIFY2(Bytes(misnamed.normalized(QString::NormalizationForm_D)) == Bytes(file.Path),
+                     qPrintable(extension));
 
             QVERIFY(tags.SetTags({{Tag::Year, "abc"}, {Tag::Track, "3 of 12"}}) && tags.SetInfo(Tag::Genre, ""));
             QCOMPARE(tags.GetInfo(Tag::Year) + tags.GetInfo(Tag::Track) + tags.GetInfo(Tag::Genre), QString("03"));
@@ -101,19 +103,6 @@ private slots:
             for (const char* rich : {"1999-05-03", "3/12", "First", "Second", "Changed"})
                 QVERIFY2(Bytes(path).contains(rich), rich);
         }
-    }
-
-    void namesInEitherForm()
-    {
-        const QTemporaryDir folder;
-        const QString decomposed = PutSample("full.mp3", folder.filePath("e\u0301.mp3"));
-        const QString precomposed = folder.filePath("é.mp3");
-        QCOMPARE(Texts(TagManager().ReadFile(precomposed)), fullTags);
-        if (QFile::exists(precomposed))
-            return; // this file system takes the two for one
-        PutSample("bare.mp3", precomposed);
-        QCOMPARE(Texts(TagManager().ReadFile(precomposed)) + Texts(TagManager().ReadFile(decomposed)),
-                 noTags + fullTags);
     }
 
     void soundInContainersIsNotTheFile()
