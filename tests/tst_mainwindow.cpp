@@ -24,6 +24,7 @@ const QString deleteOriginals =
     "deleted. Even so, we advise you to make backup copies of the original files before proceeding. Continue?";
 const QString applyTags = "Are you sure you want to apply these tags to all the audio files in the list?";
 const QString removeFile = "Are you sure you want to remove the selected file?";
+const QString overwrite = "This will overwrite your current settings. Continue?";
 const QString loseSettings = "Loading a profile will overwrite your current settings. Continue?";
 
 void Put(const QString& sample, const QString& paths)
@@ -142,8 +143,7 @@ private:
     void Step(const QString& act, const QList<Answer>& answers, const QString& changes)
     {
         Do(act, answers);
-        if (!QTest::currentTestFailed())
-            Changed(changes);
+        Changed(changes);
     }
 
     /// Does something at every turn of the event loop while the timer lives.
@@ -323,15 +323,13 @@ private slots:
     {
         // What opens: the first entry of a menu and the row at it, or a question.
         const std::tuple<const char*, const char*, QString, int> rows[] = {{"in/0.mp3", "Down", "", 0},
-                                                                           {"in/0.mp3", "Up", "", 0},
-                                                                           {"in/0.mp3", "Home", "", 0},
                                                                            {"in/0.mp3", "End", "", 0},
                                                                            {"in", "Down Down", "", 1},
                                                                            {"in", "End Ctrl+Space", "", 2},
                                                                            {"in", "Down Down Menu", "Edit Tags 1", 1},
                                                                            {"in", "End Shift+F10", "Edit Tags 2", 2},
                                                                            {"in", "Menu Shift+F10 Del", "", -1},
-                                                                           {"in", "Down Del Down", removeFile, 0},
+                                                                           {"in", "Down Down Del Down", removeFile, 1},
                                                                            {"", "F10", "New -1", -1}};
         for (const auto& [files, keys, opens, selects] : rows) {
             init();
@@ -387,7 +385,6 @@ private slots:
     void keepsSettingsInProfiles()
     {
         const QString folder = "Documents/Orvanto/Profiles", profile = "Documents/my.set.ovp";
-        const QString overwrite = "This will overwrite your current settings. Continue?";
         Step("actionNew", {}, "[OutputFolderPath]=~/Music");
         Do("comboOrganizeBy 1");
         Step("actionNew", {Yes(overwrite)}, "title=Orvanto");
@@ -628,7 +625,6 @@ private slots:
         Do("checkSkipOrganize; editOutputFolder " + Home("in//")); // they are their own copies
         Step("buttonOrganize", {Yes(deleteOriginals), Success()}, "listAudioFiles=; Processing 50% 100%");
         Do("drop in; editOutputFolder " + Home("out"));
-        Step("buttonOrganize", {No(deleteOriginals)}, "");
         Step("buttonOrganize", {Yes(deleteOriginals), Success()},
              "listAudioFiles=; ~/in=; ~/out=1.mp3|2.ogg; Processing 50% 100%");
     }
@@ -649,13 +645,15 @@ private slots:
         Changed("");
         QVERIFY(Ends("actionExit", {prompt(QMessageBox::Yes), Files("Save profile", "Documents/p.ovp")}));
         Changed("title=Orvanto - p (closed); ~/Documents=p.ovp");
+        Step("actionNew", {No(overwrite)}, "");
         QVERIFY(Ends("close", {}));
     }
 
     void endsInTheMiddle()
     {
         for (int i = 0; i < 100; ++i)
-            Put("bare.spx", QString("in/%1.spx").arg(i));
+            TagManager().WriteFile(
+                {"", "www.", "", "", "", "", PutSample("bare.spx", Home(QString("in/%1.spx").arg(i)))});
         auto close = EachTurn([this] {
             if (Status() == "Updating audio file list...")
                 window->close();
@@ -663,15 +661,18 @@ private slots:
         QVERIFY(Ends("drop in", {}));
         QVERIFY(List().count() < 100);
         close.reset();
-        Open();
-        Do("drop in; press 0");
-        close = EachTurn([&] {
-            if (Artist(List().item(0)->text()) == "All")
-                window->close();
-        });
-        QVERIFY(Ends("row 0 Batch Edit Tags", {Fill("editArtist=All; buttonOK"), Yes(applyTags)}));
-        QCOMPARE(Artist(List().item(99)->text()), QString());
-        close.reset();
+        const auto stops = [&](const char* act, int row, const char* until, const QList<Answer>& answers) {
+            Open();
+            Do("drop in; press 0");
+            const auto leave = EachTurn([=] {
+                if (Artist(List().item(row)->text()) == until)
+                    window->close();
+            });
+            QVERIFY(Ends(act, answers));
+            QCOMPARE(Artist(List().item(99)->text()), QString("www."));
+        };
+        stops("row 0 Batch Edit Tags", 0, "All", {Fill("editArtist=All; buttonOK"), Yes(applyTags)});
+        stops("buttonOrganize", 9, "", {});
         Open();
         Do("drop in/0.spx");
         QVERIFY(Ends("buttonOrganize", {[this](QWidget*) { Child<QAction>(*window, "actionExit")->trigger(); }}));

@@ -68,7 +68,6 @@ private slots:
                                  {"[Artist][Artist]", "AA"},
                                  {"[Artist", "[Artist"},
                                  {"[[Artist]", "[[Artist]"},
-                                 {"x]", "x]"},
                                  {"[artist][Comment]", "[artist][Comment]"},
                                  {"[Year]%1[", "[Album]%1["}}; // inserted values are not expanded again
         for (const auto& [scheme, name] : rows)
