@@ -209,7 +209,11 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event)
     const bool isKey = event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress;
     if (watched == ui->comboRename->view() && isKey && !ui->comboRename->view()->isVisible())
         return true;
-    return activity == Activity::Changing && IsInput(*watched, *event);
+    if (activity != Activity::Changing || !IsInput(*watched, *event))
+        return false;
+    if (ui->progressOrganize->isEnabled())
+        ui->progressOrganize->setFocus(); // a press has moved it already
+    return true;
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
