@@ -279,13 +279,7 @@ private slots:
         Put("bare.ogg", "x/2.ogg");
         Put("bare.wv", "x/3.wv");
         const QString preview = "editOutputPreview=~/Music/Artist/Artist-Title.";
-        const QRect room = List().viewport()->rect().adjusted(1, 1, -1, -1); // within the mark of the focus
-        const QImage empty = List().viewport()->grab(room).toImage();
         Step("drop x/1.mp3|x/2.ogg|x/3.wv", {}, "listAudioFiles=~/x/1.mp3|~/x/2.ogg|~/x/3.wv; Updating 33% 66%");
-        const QImage withRows = List().viewport()->grab(room).toImage();
-        QImage blank = withRows;
-        blank.fill(empty.pixel(0, 0));
-        QVERIFY(empty != blank && withRows != empty); // the mark, and the rows
         Step("press 0", {},
              "listAudioFiles=>~/x/1.mp3|~/x/2.ogg|~/x/3.wv; editOutputPreview=~/Music/A/A-T.mp3; textInfo=Artist: "
              "A|Title: T|Album: L|Year: 1999|Genre: G|Track: 7");
@@ -456,10 +450,6 @@ private slots:
              "comboOrganizeBy= (off); comboRename=Custom (off); checkSkipOrganize=true; editOutputFolder=/o=\r (off); "
              "checkDeleteOriginal=true (off); buttonBrowseOutFold=Browse (off); editOutputPreview=/o=\r/T.mp3 (off); "
              "radioFixAuto=false; radioFixMan=true; checkOnlyEditInvalid=false");
-        Step("actionSave_Profile", {}, "");
-        QCOMPARE(Bytes(Home(profile)),
-                 QByteArray("organizeBy=99\nrename=6\ncustomRenameScheme=[Title]\nskipOrganize=1\ntagFixManual=1\n"
-                            "onlyEditInvalidTags=0\noutputFolder=/o=\r\ndeleteOriginal=1\n"));
         Step("radioFixAuto", {},
              "title=Orvanto - my.set*; radioFixAuto=true; radioFixMan=false; checkOnlyEditInvalid=false (off)");
     }
@@ -598,8 +588,9 @@ private slots:
         QCOMPARE(log.join('|'), done + done + dashes + "TIME||" + QString(report).replace('\n', '|') + dashes + '|');
         Step("actionShow_Log", {}, "opened=file://~/Documents/Orvanto/Orvanto.log");
 
-        const QString more = "in/Unknown 1.mp3|in/Unknown 2.mp3|in/Unknown 3.mp3|in/Unknown 4.mp3|in/Unknown "
-                             "5.mp3|in/Unknown 6.mp3|in/Unknown 7.mp3|in/Unknown 8.mp3|in/Unknown 9.mp3";
+        QString more = "in/Unknown 1.mp3";
+        for (int i = 2; i < 10; ++i)
+            more += QString("|in/Unknown %1.mp3").arg(i);
         Put("full.mp3", more);
         Do("drop " + more);
         report += Paths(more).join('\n') + '\n';

@@ -1,6 +1,5 @@
 #include "naming/OutputPath.h"
 #include "naming/ProfileText.h"
-#include "naming/StandIns.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -72,18 +71,6 @@ private slots:
                                  {"[Year]%1[", "[Album]%1["}}; // inserted values are not expanded again
         for (const auto& [scheme, name] : rows)
             QCOMPARE(GenerateFileNameFromRenameScheme(scheme, "A", "T", "", "[Album]", "G", "5"), QString(name));
-    }
-
-    void standIns()
-    {
-        const auto names = [](const SAudioFile& file) {
-            return BuildFileName(file, customRenameIndex, "[Artist]-[Title]-[Album]-[Year]-[Genre]-[Track]");
-        };
-        SAudioFile file = untagged;
-        PutStandIns(file);
-        QCOMPARE(names(file), QString("Unknown-Unknown-Album-Year-Genre-Track"));
-        TakeStandInsBack(file);
-        QCOMPARE(names(file), QString("---0--0"));
     }
 
     void oddities()

@@ -30,7 +30,6 @@ private slots:
             const char *text, *stripped, *search;
             bool invalid = false;
         } rows[] = {
-            {"", "", ""},
             {"WWW.X.COM", "WWW X COM", "WWW+X+COM"},
             {"www.x", "www x", "www+x", true},
             {"see http://x", "see http   x", "see+http://x", true},
@@ -39,7 +38,6 @@ private slots:
             {"Best.network", "Best network", "Best+network", true},
             {"Track.fmt", "Track fmt", "Track+fmt", true},
             {"a/b\\c?d%e*f:g|h\"i<j>k.l", "a b c d e f g h i j k l", "a/b\\c?d%e*f:g|h\"i<j>k+l"},
-            {"What?/Why:", "What  Why", "What?/Why:"},
             {"...", "", "+++"},
             {" a \t", " a \t", "+a+\t"},
             {"AC-DC  ", "AC-DC", "AC+DC++"},
@@ -105,21 +103,7 @@ private slots:
         }
     }
 
-    void soundInContainersIsNotTheFile()
-    {
-        // A wave file with MPEG sound, which begins as a wave file and goes on as an mp3 file.
-        const QTemporaryDir folder;
-        QByteArray wave = Bytes(TEST_DATA_DIR "/bare.wav");
-        const QByteArray frames = Bytes(TEST_DATA_DIR "/bare.mp3");
-        QFile file(folder.filePath("x.wav"));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(wave.replace(44, frames.size(), frames)) == wave.size());
-        file.close();
-        TagManager tags;
-        tags.path = file.fileName();
-        QVERIFY(tags.SetInfo(Tag::Title, "x") && Bytes(tags.path).startsWith("RIFF"));
-    }
-
-    void unreadableFiles()
+    void oddFiles()
     {
         const QTemporaryDir folder;
         TagManager tags;
@@ -128,15 +112,20 @@ private slots:
             QFile file(folder.filePath(name));
             return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
         };
-        // The last one is made, but not filled yet.
+        // The third is made, but not filled yet.
+        const QByteArray frames = Bytes(TEST_DATA_DIR "/full.mp3");
         QVERIFY(put("notes.txt", "no music") && put("empty.mp3", "") &&
-                put("zeros.mp3", QByteArray(4 << 20, '\0') + Bytes(TEST_DATA_DIR "/full.mp3")));
+                put("zeros.mp3", QByteArray(4 << 20, '\0') + frames));
         for (const char* name : {"missing.mp3", "folder.mp3", "notes.txt", "zeros.mp3"}) {
             QCOMPARE(Texts(tags.ReadFile(folder.filePath(name))), unreadable);
             QVERIFY(!tags.SetInfo(Tag::Title, "x"));
         }
         QCOMPARE(Texts(tags.ReadFile(folder.filePath("empty.mp3"))), noTags);
         QCOMPARE(Bytes(folder.filePath("notes.txt")), QByteArray("no music"));
+        // MPEG sound in a wave file is not the file.
+        QVERIFY(put("x.wav", Bytes(TEST_DATA_DIR "/bare.wav").replace(44, frames.size(), frames)));
+        tags.path = folder.filePath("x.wav");
+        QVERIFY(tags.SetInfo(Tag::Title, "x") && Bytes(tags.path).startsWith("RIFF"));
     }
 };
 
