@@ -45,8 +45,8 @@ bool NativeLookingApplication::notify(QObject* receiver, QEvent* event)
         return QApplication::notify(receiver, event);
     auto* const widget = static_cast<QWidget*>(receiver);
     // Qt's own dialogs, whose classes are named with a Q, make room for their captions themselves.
-    const bool isOurs = widget->metaObject()->className()[0] != 'Q';
-    if (event->type() == QEvent::Show && !event->spontaneous() && widget->isWindow() && isOurs)
+    if (event->type() == QEvent::Show && !event->spontaneous() && widget->isWindow() &&
+        widget->metaObject()->className()[0] != 'Q')
         FitCaptions(*widget);
     if (event->type() == QEvent::Polish) {
         constexpr Qt::WidgetAttribute sizes[] = {Qt::WA_MacMiniSize, Qt::WA_MacSmallSize, Qt::WA_MacNormalSize,

@@ -3,7 +3,7 @@
 #include <QApplication>
 #include <QStringList>
 
-/// The application object. Small text controls are drawn in the platform's small control size unless a size was
+/// The application object. Text controls are drawn in the platform's small control size unless a size was
 /// chosen for them; harmless where the platform has only one size. In our own windows, captions of fixed size are made
 /// to fit (FitCaptions()).
 class NativeLookingApplication : public QApplication

@@ -670,7 +670,7 @@ private slots:
         QVERIFY(Ends("buttonOrganize", {[this](QWidget*) { Child<QAction>(*window, "actionExit")->trigger(); }}));
     }
 
-    void leadsOut()
+    void opensPagesAndPrograms()
     {
         const QString name = "x/50% #1? é \"x\".[2].mp3";
         Put("full.mp3", name);
