@@ -230,6 +230,16 @@ private slots:
         }
     }
 
+    void whatAppearsMeanwhileStays()
+    {
+        onCall = [&](const QByteArray& call) {
+            if (call == "fsync" && !QFile::exists(In("copy.mp3")))
+                PutSample("bare.mp3", In("copy.mp3"));
+            return 0;
+        };
+        QVERIFY(!Work("copy") && Bytes(In("copy.mp3")) == Bytes(TEST_DATA_DIR "/bare.mp3") && Names().size() == 2);
+    }
+
     void editsPastTheEndAreNotSaved()
     {
         const QByteArray before = Bytes(In("a.mp3"));
