@@ -92,7 +92,6 @@ private slots:
         PutSample("full.mp3", In("a.mp3"));
         Work("room");
     }
-    void cleanup() { onCall = nullptr; }
 
     void piecesBecomeWhatTagLibWritesInPlace()
     {
@@ -126,7 +125,6 @@ private slots:
             bool done = false; ///< all the same
         } rows[] = {
             {"copy", "fsync", 1, EIO},
-            {"copy", "fsync", 1, ENOSPC},
             {"copy", "fsync", 0, EINVAL, true}, // no such call on this disk
             {"copy", "renameat2", 1, EEXIST},
             {"copy", "renameat2", 1, EINVAL, true},
@@ -250,9 +248,8 @@ private slots:
 
     void pathsOfOneFile()
     {
-        const QString one = PutSample("bare.mp3", In("É/ann.mp3")), other = In("e\u0301/Ann.mp3");
-        if (!QFile::exists(other))
-            PutSample("full.mp3", other);
+        const QString one = PutSample("bare.mp3", In("É/ann.mp3")),
+                      other = PutSample("full.mp3", In("e\u0301/Ann.mp3"));
         QVERIFY(IsSameFile(one, other) && !IsSameFile(one, PutSample("bare.mp3", In("É/bob.mp3"))));
         QVERIFY(!IsSameFile(one, In("É/missing.mp3")));
     }
