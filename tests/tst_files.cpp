@@ -102,7 +102,6 @@ private slots:
                 PieceStream stream(ours);
                 stream.SetName(QFile::encodeName(ours));
                 TagLib::FileRef edited(&stream), inPlace(QFile::encodeName(theirs).constData());
-                QVERIFY2(!edited.isNull() && !inPlace.isNull(), qPrintable(name + QString::number(length)));
                 for (TagLib::FileRef* const file : {&edited, &inPlace}) {
                     file->tag()->setTitle(title);
                     file->tag()->setYear(length ? 2000 : 0);
@@ -204,10 +203,10 @@ private slots:
         for (const QString work : {"fits", "moves", "copy"}) {
             init();
             QStringList shown; // before the new file is whole
-            bool happened = false;
+            int calls = 0;
             onCall = [&](const QByteArray& call) {
-                if (!happened && call == (work == "fits" ? "pread" : "fsync")) {
-                    happened = true;
+                // The first two readings are those of the tags, to the end.
+                if (call == (work == "fits" ? "pread" : "fsync") && ++calls == (work == "fits" ? 3 : 1)) {
                     shown = QDir(folder->path()).entryList(QDir::Files);
                     // Only the time of any change betrays this one.
                     const SFileFacts facts = *FactsOf(In("a.mp3"));
@@ -238,12 +237,16 @@ private slots:
         QVERIFY(!Work("copy") && Bytes(In("copy.mp3")) == Bytes(TEST_DATA_DIR "/bare.mp3") && Names().size() == 2);
     }
 
-    void editsPastTheEndAreNotSaved()
+    void badEditsAreNotSaved()
     {
         const QByteArray before = Bytes(In("a.mp3"));
         EditedFile file(In("a.mp3"));
         file.Replace(file.Size() - 1, 2, "x");
         QVERIFY(file.Save() == EditedFile::Saved::NotAtAll && Bytes(In("a.mp3")) == before);
+        EditedFile shorter(In("a.mp3"));
+        shorter.Truncate(shorter.Size() - 9);
+        onCall = [](const QByteArray& call) { return call == "fsync" ? EIO : 0; };
+        QVERIFY(shorter.Save() == EditedFile::Saved::NotAtAll && Bytes(In("a.mp3")) == before);
     }
 
     void pathsOfOneFile()

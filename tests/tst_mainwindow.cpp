@@ -229,7 +229,6 @@ private slots:
         Step("buttonRemove All", {No(removeAll)}, "");
         Step("buttonRemove All", {Yes(removeAll)}, "listAudioFiles=; " + cleared);
         Step("buttonRemove All", {}, "");
-        Step("buttonRemove Selected", {}, "");
         Step("buttonAdd Folder with Subfolders", {Files("Select folder", "other", "lib")},
              "listAudioFiles=~/other/f.spx; [AddFolderPath]=~/other");
         Do("buttonRemove All", {Yes(removeAll)});
@@ -379,7 +378,6 @@ private slots:
         Step("actionNew", {}, "[OutputFolderPath]=~/Music");
         Do("comboOrganizeBy 1");
         Step("actionNew", {Yes(overwrite)}, "title=Orvanto");
-        Step("actionNew", {}, "");
         Put("full.mp3", "x/1.mp3");
         Do("drop x/1.mp3; press 0");
         Step("actionNew", {No(overwrite)}, "");
@@ -634,7 +632,6 @@ private slots:
         Changed("");
         QVERIFY(Ends("actionExit", {prompt(QMessageBox::Yes), Files("Save profile", "Documents/p.ovp")}));
         Changed("title=Orvanto - p (closed); ~/Documents=p.ovp");
-        Step("actionNew", {No(overwrite)}, "");
         QVERIFY(Ends("close", {}));
     }
 

@@ -64,7 +64,6 @@ private slots:
     void schemes()
     {
         const char* rows[][2] = {{"[Track]. [Artist]-[Title] ([Genre])", "5. A-T (G)"},
-                                 {"[Artist][Artist]", "AA"},
                                  {"[Artist", "[Artist"},
                                  {"[[Artist]", "[[Artist]"},
                                  {"[artist][Comment]", "[artist][Comment]"},
