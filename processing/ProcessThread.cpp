@@ -295,8 +295,10 @@ RunEnd ProcessThread::DeleteOriginals()
             continue;
         if (original.fate == SOriginal::Fate::Goes) {
             // It was not copied, and may be the very file that another source goes for.
-            for (int k = keptSpellings.isEmpty() ? 0 : paths.size(); k < paths.size(); ++k)
-                keptSpellings.insert(ComparablePath(paths.at(k)));
+            if (keptSpellings.isEmpty()) {
+                for (const QString& kept : paths)
+                    keptSpellings.insert(ComparablePath(kept));
+            }
             if (keptSpellings.contains(ComparablePath(path)))
                 continue;
         }
