@@ -2,6 +2,6 @@
 
 class QWidget;
 
-/// Draws each caption of @p window smaller that a user's large font would cut off because the form has fixed its size
-/// or that of the whole window.
+/// Shrinks each caption that a large user font would cut off, because the form fixes the caption's size or that of the
+/// whole window.
 void FitCaptions(const QWidget& window);

@@ -4,9 +4,9 @@
 
 #include <QPointer>
 
-/// Says what the window is doing for as long as this lives; afterwards, that is what it was before. With a status text
-/// the window also looks busy: its controls are disabled, its progress bar is enabled and has the focus. The outermost
-/// guard ends that.
+/// Sets the window's activity while it lives, then restores the previous one. With a status text the window also looks
+/// busy: its controls are disabled, its progress bar is enabled and has the focus. The outermost guard
+/// ends that.
 class MainWindow::ActivityGuard
 {
 public:

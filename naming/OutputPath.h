@@ -35,7 +35,7 @@ constexpr std::array<SOrganizeChoice, 16> organizeChoices{{
 }};
 
 /// One "Rename" choice: its label and the rename scheme that it stands for. The first and the last have none of their
-/// own: the file keeps its name, or the user's custom scheme is taken.
+/// own: the file keeps its name, or the user's custom scheme applies.
 struct SRenameChoice
 {
     const char* label;
@@ -70,13 +70,13 @@ QString BuildFileName(const SAudioFile& file, int renameIndex, const QString& cu
 QStringList FolderTags(const SAudioFile& file, int organizeBy);
 
 /// The folder of the output tree for these tags: @p outputFolder, then "/" and the tag without reserved characters
-/// for each level. Since these include "/" and ".", no tag can lead out of @p outputFolder.
+/// for each level. Since "/" and "." are reserved, no tag can lead out of @p outputFolder.
 QString BuildFolderPath(const QString& outputFolder, const QStringList& folderTags);
 
 /// The name without extension that the preview shows for @p file: like the real one, but with the captions of missing
 /// tags in their place.
 QString BuildPreviewFileName(SAudioFile file, const SRunSettings& settings);
 
-/// What the preview shows as the output path of @p file, with @p fileName as its name. It ignores "Unknown" and to
+/// What the preview shows as the output path of @p file, with @p fileName as its name. It ignores both "Unknown" and
 /// settings.skipOrganize.
 QString BuildPreviewPath(const SAudioFile& file, const SRunSettings& settings, const QString& fileName);

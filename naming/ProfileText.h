@@ -13,8 +13,8 @@ QByteArray ProfileText(const SRunSettings& settings);
 
 /// Reads the settings from eight lines of @p device, opened without translation of line ends. A line counts by its
 /// position, its value is what follows its first "=" (all of it without one); keys are not looked at and numbers not
-/// range-checked. Missing lines read as 0, false or empty. Of a line longer than any profile's, its beginning is taken
-/// and the rest of the file is not read.
+/// range-checked. Missing lines read as 0, false or empty. A line longer than any profile's is cut, and the rest of the
+/// file is not read.
 SRunSettings ReadProfile(QIODevice& device);
 
 /// @p text without line feeds and carriage returns, which a line of a profile cannot hold.
