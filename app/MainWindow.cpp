@@ -7,7 +7,6 @@
 #include "tags/AudioTypes.h"
 #include "ui_MainWindow.h"
 
-#include <QAbstractItemView>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QMediaPlayer>
@@ -119,6 +118,7 @@ void MainWindow::Init()
     ResetInterface();
     CreatePopupMenus();
     BindKeys();
+    qApp->installEventFilter(this);
 }
 
 void MainWindow::FillCombos()
@@ -158,7 +158,6 @@ void MainWindow::BindKeys()
     removeSelected->setShortcutContext(Qt::WidgetShortcut);
     ui->listAudioFiles->addAction(removeSelected);
 
-    ui->comboRename->view()->installEventFilter(this);
     new QShortcut(Qt::Key_F10, this, [this] { ui->menuBar->setActiveAction(ui->menuFile->menuAction()); });
 
     // Tags that do not fit into the panel are in reach of the Tab key, and then of the arrows.
@@ -200,20 +199,6 @@ void MainWindow::RefreshInterface()
         on_comboRename_activated(settings.renameIndex);
     on_checkSkipOrganize_clicked(settings.skipOrganize);
     TakeOutputFolder(settings.outputFolder);
-}
-
-bool MainWindow::eventFilter(QObject* watched, QEvent* event)
-{
-    // On X11 a Return in the open list of a choice arrives there twice, the second time after the list has closed. That
-    // one would ask for the custom scheme again.
-    const bool isKey = event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress;
-    if (watched == ui->comboRename->view() && isKey && !ui->comboRename->view()->isVisible())
-        return true;
-    if (activity != Activity::Changing || !IsInput(*watched, *event))
-        return false;
-    if (ui->progressOrganize->isEnabled())
-        ui->progressOrganize->setFocus(); // a press has moved it already
-    return true;
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

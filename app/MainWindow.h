@@ -116,7 +116,6 @@ private:
     void AddFolder(QString folder, bool recursive);
     void AddFilesToList(const QStringList& files);
     void SynchronizeListAudioFiles(bool showProgress);
-    void MakeCurrent(int row);
     void LookBusy(const QString& status);
     void LookIdle(QWidget* focused);
     void ShowStatus(const QString& status);
@@ -138,7 +137,6 @@ private:
     void ReloadList();
 
     void WriteRecord(int row, const SAudioFile& file);
-    void RefreshPanel();
 
     bool MayOverwriteSettings();
     void LoadProfile(const QString& path);

@@ -2,6 +2,7 @@
 
 #include "ui_MainWindow.h"
 
+#include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
 
@@ -9,8 +10,6 @@ MainWindow::ActivityGuard::ActivityGuard(MainWindow& busyWindow, Activity activi
     : window(busyWindow), outer(busyWindow.activity), focused(busyWindow.focusWidget())
 {
     window.activity = activity;
-    if (activity == Activity::Changing)
-        qApp->installEventFilter(&window);
     if (!status.isEmpty())
         window.LookBusy(status);
 }
@@ -18,8 +17,6 @@ MainWindow::ActivityGuard::ActivityGuard(MainWindow& busyWindow, Activity activi
 MainWindow::ActivityGuard::~ActivityGuard()
 {
     window.activity = outer;
-    if (outer != Activity::Changing)
-        qApp->removeEventFilter(&window);
     if (outer == Activity::Idle)
         window.LookIdle(focused);
 }
@@ -78,7 +75,21 @@ bool MainWindow::Pump()
     return !quitting;
 }
 
-/// Whether an event is input to this window or its menus. Questions have windows of their own.
+bool MainWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    // On X11 a Return in the open list of a choice arrives there twice, the second time after the list has closed. That
+    // one would ask for the custom scheme again.
+    const bool isKey = event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress;
+    if (isKey && watched == ui->comboRename->view() && !ui->comboRename->view()->isVisible())
+        return true;
+    if (activity != Activity::Changing || !IsInput(*watched, *event))
+        return false;
+    if (ui->progressOrganize->isEnabled())
+        ui->progressOrganize->setFocus(); // a press has moved it already
+    return true;
+}
+
+/// Whether an event is input to this window itself, or a shortcut of it. Menus and questions are windows of their own.
 bool MainWindow::IsInput(const QObject& receiver, const QEvent& event) const
 {
     switch (event.type()) {

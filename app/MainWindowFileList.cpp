@@ -212,16 +212,12 @@ void MainWindow::AddPaths(const QStringList& paths)
     });
 }
 
+/// Makes the file of @p item the current one and shows its tags and its output path.
 void MainWindow::on_listAudioFiles_itemPressed(QListWidgetItem* item)
 {
     const int row = audioFiles.RowOf(item->text());
-    if (row >= 0)
-        MakeCurrent(row);
-}
-
-/// Makes @p row, which must exist, the current one and shows its tags and its output path.
-void MainWindow::MakeCurrent(int row)
-{
+    if (row < 0)
+        return;
     ShowTags(&audioFiles.At(row));
     currentRow = row;
     UpdateOutputPreview();

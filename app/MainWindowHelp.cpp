@@ -11,7 +11,7 @@
 void MainWindow::on_actionShow_Log_triggered()
 {
     if (!QFile::exists(RunLogPath())) {
-        Warn(QString(), tr("Could not open log. The log file will be created after the first processing session."));
+        Warn(tr("Could not open log. The log file will be created after the first processing session."));
         return;
     }
     ShowInTextEditor(RunLogPath());

@@ -16,7 +16,7 @@
 void MainWindow::on_buttonOrganize_clicked()
 {
     if (audioFiles.IsEmpty()) {
-        Warn(QString(), tr("There are no audio files to process."));
+        Warn(tr("There are no audio files to process."));
         return;
     }
     if (settings.deleteOriginal && !settings.skipOrganize &&
@@ -86,7 +86,7 @@ void MainWindow::ReportRun()
 {
     QDir().mkpath(FolderOf(RunLogPath()));
     if (!AppendToFile(RunLogPath(), QByteArray())) { // only to see whether it can be written
-        Warn(QString(), tr("Could not save log."));
+        Warn(tr("Could not save log."));
         return;
     }
     QString report = worker.failureText;
@@ -95,8 +95,10 @@ void MainWindow::ReportRun()
         Inform(success);
         report = success + QLatin1Char('\n');
     } else {
-        Warn(tr("Log"), report + tr("\nOrvanto could not fix the invalid tags. For better results try to manually edit "
-                                    "the tags or try a different organize/rename pattern."));
+        Warn(report +
+                 tr("\nOrvanto could not fix the invalid tags. For better results try to manually edit the tags or "
+                    "try a different organize/rename pattern."),
+             tr("Log"));
     }
     AppendToFile(RunLogPath(), RunLogBlock(QDateTime::currentDateTime(), report));
 }

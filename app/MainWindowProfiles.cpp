@@ -52,7 +52,7 @@ void MainWindow::on_actionSave_Profile_triggered()
         return;
     }
     if (!WriteWholeFile(profilePath, ProfileText(settings))) {
-        Warn(QString(), tr("Could not save profile."));
+        Warn(tr("Could not save profile."));
         return;
     }
     UpdateAppTitleWithProfile(ProfileName(profilePath));
@@ -90,7 +90,7 @@ void MainWindow::LoadProfile(const QString& path)
     loading = true;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        Warn(QString(), tr("Could not load profile."));
+        Warn(tr("Could not load profile."));
         return;
     }
     settings = ReadProfile(file);

@@ -22,14 +22,6 @@ void MainWindow::WriteRecord(int row, const SAudioFile& file)
     audioFiles.Replace(row, file);
 }
 
-void MainWindow::RefreshPanel()
-{
-    if (QListWidgetItem* const item = ui->listAudioFiles->currentItem())
-        on_listAudioFiles_itemPressed(item);
-    else if (audioFiles.IsRow(currentRow))
-        MakeCurrent(currentRow);
-}
-
 void MainWindow::OnEditTags()
 {
     if (!audioFiles.IsRow(currentRow))
@@ -40,7 +32,7 @@ void MainWindow::OnEditTags()
     if (dialog.exec() != QDialog::Accepted)
         return;
     WriteRecord(currentRow, dialog.File());
-    RefreshPanel();
+    on_listAudioFiles_itemPressed(ui->listAudioFiles->currentItem());
 }
 
 void MainWindow::OnBatchEditTags()
@@ -72,7 +64,7 @@ void MainWindow::OnBatchEditTags()
         if (!Pump())
             break;
     }
-    RefreshPanel();
+    on_listAudioFiles_itemPressed(ui->listAudioFiles->currentItem());
 }
 
 void MainWindow::ShowDialogEditTag()

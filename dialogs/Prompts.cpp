@@ -120,7 +120,7 @@ bool AskYesNo(const QString& text)
     return Ask(text, QMessageBox::No) == QMessageBox::Yes;
 }
 
-void Warn(const QString& title, const QString& text)
+void Warn(const QString& text, const QString& title)
 {
     Show(QMessageBox::Warning, title, text, QMessageBox::Ok, QMessageBox::Ok);
 }

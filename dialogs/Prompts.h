@@ -18,7 +18,7 @@ QMessageBox::StandardButton Ask(const QString& text, QMessageBox::StandardButton
 /// A question with Yes and No. @return whether the answer was Yes.
 bool AskYesNo(const QString& text);
 
-void Warn(const QString& title, const QString& text);
+void Warn(const QString& text, const QString& title = {});
 void Inform(const QString& text);
 
 /// Asks for a folder, starting at the one that is stored under @p settingsKey. @return an empty text when cancelled.
