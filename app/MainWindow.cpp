@@ -172,7 +172,7 @@ void MainWindow::ResetInterface()
     settings.outputFolder = StoredFolder(SettingsKey::outputFolder);
     ShowSettings();
     ui->progressOrganize->setValue(0);
-    ui->progressOrganize->setEnabled(activity != Activity::Idle);
+    ui->progressOrganize->setEnabled(activity != Activity::Idle); // New in mid-run: the bar has the focus
     ClearPreviews();
 }
 
@@ -185,7 +185,7 @@ void MainWindow::ShowSettings()
     ui->radioFixAuto->setChecked(!settings.fixManually);
     ui->radioFixMan->setChecked(settings.fixManually);
     ui->checkOnlyEditInvalid->setChecked(settings.onlyEditInvalid);
-    ui->checkOnlyEditInvalid->setEnabled(settings.fixManually);
+    EnableSetting(*ui->checkOnlyEditInvalid, settings.fixManually, *ui->radioFixAuto);
     ui->checkDeleteOriginal->setChecked(settings.deleteOriginal);
     ui->editOutputFolder->setText(settings.outputFolder);
 }

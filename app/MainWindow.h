@@ -129,6 +129,7 @@ private:
     void UpdateOutputPreview();
     QString GenerateCurrentFilename() const;
     void ShowTags(const SAudioFile* file);
+    void EnableSetting(QWidget& setting, bool enabled, QWidget& neighbour);
     void ClearPreviews();
 
     void EraseInvalidTags();

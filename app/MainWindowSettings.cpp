@@ -43,18 +43,24 @@ void MainWindow::on_checkSkipOrganize_clicked(bool checked)
     settings.skipOrganize = checked;
     for (QWidget* const setting :
          std::initializer_list<QWidget*>{ui->comboOrganizeBy, ui->comboRename, ui->editOutputFolder,
-                                         ui->buttonBrowseOutFold, ui->editOutputPreview, ui->checkDeleteOriginal}) {
-        if (checked && setting->hasFocus())
-            ui->checkSkipOrganize->setFocus(); // or it would slide on to Start
-        setting->setEnabled(!checked);
-    }
+                                         ui->buttonBrowseOutFold, ui->editOutputPreview, ui->checkDeleteOriginal})
+        EnableSetting(*setting, !checked, *ui->checkSkipOrganize);
     SignalSettingsChanged();
+}
+
+/// A setting that is disabled hands the focus to @p neighbour. By itself it would slide on: to Start, or to a text that
+/// the next key would change.
+void MainWindow::EnableSetting(QWidget& setting, bool enabled, QWidget& neighbour)
+{
+    if (!enabled && focusWidget() == &setting) // also just after a dialog, when no widget has it yet
+        neighbour.setFocus();
+    setting.setEnabled(enabled);
 }
 
 void MainWindow::on_radioFixAuto_clicked()
 {
     settings.fixManually = false;
-    ui->checkOnlyEditInvalid->setEnabled(false);
+    EnableSetting(*ui->checkOnlyEditInvalid, false, *ui->radioFixAuto);
     SignalSettingsChanged();
 }
 
