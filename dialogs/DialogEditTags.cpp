@@ -11,6 +11,7 @@
 #include <QMediaPlayer>
 #include <QMenu>
 
+#include <algorithm>
 #include <initializer_list>
 #include <iterator>
 
@@ -36,6 +37,16 @@ constexpr SField fields[] = {
     {&SAudioFile::Track, &DialogEditTags::track, &Ui_DialogEditTags::editTrack},
 };
 static_assert(std::size(fields) == allTags.size());
+
+/// Which of `fields`, which have the order of the table of tags, the user is most likely asked for: the first without a
+/// tag, else the first of all.
+std::size_t FirstGap(const SAudioFile& file)
+{
+    const auto gap = std::find_if(allTags.begin(), allTags.end(), [&file](const STag& tag) {
+        return (file.*tag.field).isEmpty() || IsMissing(file, tag);
+    });
+    return gap == allTags.end() ? 0 : static_cast<std::size_t>(gap - allTags.begin());
+}
 } // namespace
 
 DialogEditTags::DialogEditTags(QWidget* parent, int mode)
@@ -89,7 +100,10 @@ void DialogEditTags::Init()
     ui->textFilePath->setText(filePath);
     for (const SField& field : fields)
         ((*ui).*field.edit)->ShowText(this->*field.text);
-    ui->editArtist->setFocus();
+    const bool isRepair = !ui->buttonSkip->isHidden();
+    LineEdit* const first = (*ui).*fields[isRepair ? FirstGap(File()) : 0].edit;
+    first->setFocus();
+    first->selectAll();
     ui->buttonPlay->setFixedWidth(wideButton);
     ui->buttonPlay->setText(tr("Play in iTunes"));
     ui->buttonStop->hide();
