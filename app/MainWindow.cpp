@@ -3,6 +3,7 @@
 #include "app/MainWindowBusy.h"
 #include "dialogs/Prompts.h"
 #include "naming/OutputPath.h"
+#include "platform/Desktop.h"
 #include "platform/UserSettings.h"
 #include "tags/AudioTypes.h"
 #include "ui_MainWindow.h"
@@ -154,7 +155,7 @@ void MainWindow::BindKeys()
         new QShortcut(keys, ui->listAudioFiles, this, &MainWindow::OnListAudioFilesMenuKey, Qt::WidgetShortcut);
 
     QAction* const removeSelected = removeMenu->actions().first();
-    removeSelected->setShortcut(QKeySequence::Delete);
+    removeSelected->setShortcuts(RemovalKeys());
     removeSelected->setShortcutContext(Qt::WidgetShortcut);
     ui->listAudioFiles->addAction(removeSelected);
 

@@ -29,3 +29,12 @@ void ShowInTextEditor(const QString& path)
 {
     OpenWith(QStringLiteral("TextEdit"), path);
 }
+
+QList<QKeySequence> RemovalKeys()
+{
+#ifdef Q_OS_MACOS
+    return {Qt::Key_Backspace, Qt::Key_Delete}; // the first is the one that is labelled "delete" there
+#else
+    return {Qt::Key_Delete};
+#endif
+}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QKeySequence>
 #include <QString>
 
 /// Hands a file to another application. Nothing waits for that application, and a failed start is ignored.
@@ -7,3 +8,6 @@
 
 void PlayInMusicApplication(const QString& path);
 void ShowInTextEditor(const QString& path);
+
+/// The keys that remove what is selected. A menu shows the first.
+QList<QKeySequence> RemovalKeys();
