@@ -5,6 +5,7 @@
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
+#include <QComboBox>
 
 MainWindow::ActivityGuard::ActivityGuard(MainWindow& busyWindow, Activity activity, const QString& status)
     : window(busyWindow), outer(busyWindow.activity), focused(busyWindow.focusWidget())
@@ -81,6 +82,10 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event)
     // one would ask for the custom scheme again.
     const bool isKey = event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress;
     if (isKey && watched == ui->comboRename->view() && !ui->comboRename->view()->isVisible())
+        return true;
+    // A wheel that passes over a choice was meant for something else.
+    if (event->type() == QEvent::Wheel && qobject_cast<QComboBox*>(watched) &&
+        !static_cast<QWidget*>(watched)->hasFocus())
         return true;
     if (activity != Activity::Changing || !IsInput(*watched, *event))
         return false;
