@@ -224,7 +224,7 @@ void MainWindow::on_actionExit_triggered()
 /// Ends the program from any state: loops on this thread see the flag, the worker stops within a file.
 void MainWindow::Quit()
 {
-    quitting = true;
+    quitting = stopping = true;
     hide();
     worker.requestInterruption();
     QCoreApplication::quit();

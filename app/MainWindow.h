@@ -6,11 +6,13 @@
 #include "tags/TagManager.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QStringList>
 
 #include <functional>
 #include <memory>
 
+class QDialog;
 class QListWidgetItem;
 class QMediaPlayer;
 class QMenu;
@@ -121,15 +123,18 @@ private:
     void ShowStatus(const QString& status);
     void BeginStage(const QString& status);
     [[nodiscard]] bool Pump();
+    void AskToStop();
+    void CallAgainOnceAnswered(void (MainWindow::*slot)());
+    bool IsStopKey(const QObject& receiver, const QEvent& event) const;
     bool IsInput(const QObject& receiver, const QEvent& event) const;
     bool MayTakeFiles() const;
 
+    void EnableSetting(QWidget& setting, bool enabled, QWidget& neighbour);
     void TakeOutputFolder(const QString& folder);
     void SignalSettingsChanged();
     void UpdateOutputPreview();
     QString GenerateCurrentFilename() const;
     void ShowTags(const SAudioFile* file);
-    void EnableSetting(QWidget& setting, bool enabled, QWidget& neighbour);
     void ClearPreviews();
 
     void EraseInvalidTags();
@@ -160,5 +165,7 @@ private:
     bool loading = false; ///< a profile is being loaded: changes of settings do not count as the user's
     Activity activity = Activity::Idle;
     std::unique_ptr<ActivityGuard> run; ///< from Start until the list is reloaded
-    bool quitting = false;              ///< the user wants to leave: every loop that pumps events ends
+    QPointer<QDialog> stopQuestion;     ///< while it stands
+    bool stopping = false;              ///< the user wants the activity to end: every loop that pumps events does
+    bool quitting = false;              ///< the user wants to leave
 };

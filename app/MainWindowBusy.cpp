@@ -1,11 +1,14 @@
 #include "app/MainWindowBusy.h"
 
+#include "dialogs/Prompts.h"
 #include "ui_MainWindow.h"
 
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
+#include <QKeyEvent>
+#include <QScopeGuard>
 
 MainWindow::ActivityGuard::ActivityGuard(MainWindow& busyWindow, Activity activity, const QString& status)
     : window(busyWindow), outer(busyWindow.activity), focused(busyWindow.focusWidget())
@@ -18,8 +21,10 @@ MainWindow::ActivityGuard::ActivityGuard(MainWindow& busyWindow, Activity activi
 MainWindow::ActivityGuard::~ActivityGuard()
 {
     window.activity = outer;
-    if (outer == Activity::Idle)
-        window.LookIdle(focused);
+    if (outer != Activity::Idle)
+        return;
+    window.stopping = window.quitting;
+    window.LookIdle(focused);
 }
 
 void MainWindow::LookBusy(const QString& status)
@@ -68,12 +73,31 @@ void MainWindow::BeginStage(const QString& status)
 }
 
 /// Lets the window live for a turn in the middle of an activity. @return whether to go on: not once the user wants to
-/// leave.
+/// stop it, or to leave.
 bool MainWindow::Pump()
 {
     // Input is not excluded here while tags change: it would only come later, and closing the window counts as input.
     QCoreApplication::processEvents();
-    return !quitting;
+    return !stopping;
+}
+
+/// Asks whether to end what the window is doing. Adding and changing wait for the answer, the worker does not.
+void MainWindow::AskToStop()
+{
+    if (stopping || stopQuestion)
+        return;
+    QApplication::setOverrideCursor(Qt::ArrowCursor); // a change of tags has another one
+    const auto usualCursor = qScopeGuard([] { QApplication::restoreOverrideCursor(); });
+    if (!AskYesNo(tr("Do you want to stop?"), &stopQuestion))
+        return;
+    stopping = true;
+    worker.requestInterruption();
+}
+
+/// What the worker asks for must not happen inside the question whether to stop it.
+void MainWindow::CallAgainOnceAnswered(void (MainWindow::*slot)())
+{
+    connect(stopQuestion, &QObject::destroyed, this, slot, Qt::QueuedConnection);
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event)
@@ -87,11 +111,26 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event)
     if (event->type() == QEvent::Wheel && qobject_cast<QComboBox*>(watched) &&
         !static_cast<QWidget*>(watched)->hasFocus())
         return true;
-    if (activity != Activity::Changing || !IsInput(*watched, *event))
+    if (!IsInput(*watched, *event))
+        return false;
+    if (IsStopKey(*watched, *event)) {
+        AskToStop();
+        return true;
+    }
+    if (activity != Activity::Changing)
         return false;
     if (ui->progressOrganize->isEnabled())
         ui->progressOrganize->setFocus(); // a press has moved it already
     return true;
+}
+
+/// Escape, while there is something to stop. A menu bar that the user is in takes it for itself.
+bool MainWindow::IsStopKey(const QObject& receiver, const QEvent& event) const
+{
+    if (event.type() != QEvent::KeyPress || !ui->progressOrganize->isEnabled() || &receiver == ui->menuBar)
+        return false;
+    const auto& key = static_cast<const QKeyEvent&>(event);
+    return key.key() == Qt::Key_Escape && !key.isAutoRepeat();
 }
 
 /// Whether an event is input to this window itself, or a shortcut of it. Menus and questions are windows of their own.

@@ -105,7 +105,7 @@ void MainWindow::FillList(const std::function<void()>& add)
 /// Adds the files of @p folder, smallest first, then those of its subfolders in the same order.
 void MainWindow::AddFolder(QString folder, bool recursive)
 {
-    if (folder.isEmpty() || quitting)
+    if (folder.isEmpty() || stopping)
         return;
     folder = WithForwardSlashes(folder);
     if (!folder.endsWith(QLatin1Char('/')))
@@ -126,9 +126,9 @@ void MainWindow::AddFilesToList(const QStringList& files)
     for (const QString& path : files) {
         if (audioFiles.Contains(path) || !extensions.contains(ExtensionOf(path)))
             continue;
-        audioFiles.Append(tagManager.ReadFile(path));
         if (!Pump())
             return;
+        audioFiles.Append(tagManager.ReadFile(path));
     }
 }
 

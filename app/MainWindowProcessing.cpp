@@ -12,6 +12,7 @@
 #include "ui_MainWindow.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 void MainWindow::on_buttonOrganize_clicked()
 {
@@ -59,6 +60,8 @@ void MainWindow::StartProcessing()
     while (worker.settings.outputFolder.endsWith(QLatin1Char('/')))
         worker.settings.outputFolder.chop(1);
     worker.start(QThread::InheritPriority);
+    if (stopping) // while tags were erased: that run ends like any other that is stopped
+        worker.requestInterruption();
 }
 
 void MainWindow::UpdateProgress(int handled)
@@ -70,6 +73,12 @@ void MainWindow::ProcessThreadFinished()
 {
     if (quitting)
         return;
+    if (stopQuestion) { // there is nothing left to stop
+        CallAgainOnceAnswered(&MainWindow::ProcessThreadFinished);
+        stopQuestion->reject();
+        return;
+    }
+    stopping = false; // the list is yet to be read
     ReportRun();
     ReloadList();
     run.reset();
@@ -89,12 +98,15 @@ void MainWindow::ReportRun()
         Warn(tr("Could not save log."));
         return;
     }
-    QString report = worker.failureText;
-    if (worker.failedPaths.isEmpty()) { // after Abort, too, by our decision
-        const QString success = tr("Operation finished successfully!");
-        Inform(success);
-        report = success + QLatin1Char('\n');
+    const bool stopped = worker.end == RunEnd::Interrupted;
+    QString report;
+    if (worker.failedPaths.isEmpty()) {
+        // Abort ends a run successfully, too, by our decision.
+        const QString sentence = stopped ? tr("Operation stopped.") : tr("Operation finished successfully!");
+        Inform(sentence);
+        report = sentence + QLatin1Char('\n');
     } else {
+        report = (stopped ? tr("Operation stopped.\n\n") : QString()) + worker.failureText;
         Warn(report +
                  tr("\nOrvanto could not fix the invalid tags. For better results try to manually edit the tags or "
                     "try a different organize/rename pattern."),
@@ -103,15 +115,17 @@ void MainWindow::ReportRun()
     AppendToFile(RunLogPath(), RunLogBlock(QDateTime::currentDateTime(), report));
 }
 
-/// Lists the files that the worker has left, with their tags as they are on disk now.
+/// Lists the files that the run has left, with their tags as they are on disk now.
 void MainWindow::ReloadList()
 {
     BeginStage(tr("Updating audio file list..."));
     audioFiles.Clear();
     for (const SAudioFile& file : qAsConst(worker.files)) {
+        if (worker.end == RunEnd::Interrupted && !QFileInfo::exists(file.Path))
+            continue; // stopped while originals were deleted
         audioFiles.Append(tagManager.ReadFile(file.Path));
         if (!Pump())
-            return;
+            break;
     }
     SynchronizeListAudioFiles(true);
 }

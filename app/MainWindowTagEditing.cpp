@@ -69,6 +69,12 @@ void MainWindow::OnBatchEditTags()
 
 void MainWindow::ShowDialogEditTag()
 {
+    if (stopQuestion) {
+        CallAgainOnceAnswered(&MainWindow::ShowDialogEditTag);
+        return;
+    }
+    if (stopping) // the worker has stopped waiting
+        return;
     DialogEditTags dialog(this, worker.settings.AsksAboutEveryFile() ? DialogEditTags::RepairEvery
                                                                      : DialogEditTags::RepairIncomplete);
     dialog.SetFile(worker.editedFile);

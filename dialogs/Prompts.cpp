@@ -80,9 +80,12 @@ void NameIcon(const QMessageBox& box)
 }
 
 QMessageBox::StandardButton Show(QMessageBox::Icon icon, const QString& title, const QString& text,
-                                 QMessageBox::StandardButtons buttons, QMessageBox::StandardButton defaultButton)
+                                 QMessageBox::StandardButtons buttons, QMessageBox::StandardButton defaultButton,
+                                 QPointer<QDialog>* standing = nullptr)
 {
     Box box(icon, title, QString(), buttons);
+    if (standing)
+        *standing = &box;
     box.setTextFormat(Qt::PlainText);
     box.setText(text);
     box.setDefaultButton(defaultButton);
@@ -115,9 +118,10 @@ QMessageBox::StandardButton Ask(const QString& text, QMessageBox::StandardButton
     return Show(QMessageBox::Question, QString(), text, QMessageBox::Yes | buttons, QMessageBox::Yes);
 }
 
-bool AskYesNo(const QString& text)
+bool AskYesNo(const QString& text, QPointer<QDialog>* standing)
 {
-    return Ask(text, QMessageBox::No) == QMessageBox::Yes;
+    return Show(QMessageBox::Question, QString(), text, QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes,
+                standing) == QMessageBox::Yes;
 }
 
 void Warn(const QString& text, const QString& title)

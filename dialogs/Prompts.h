@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMessageBox>
+#include <QPointer>
 #include <QString>
 
 class QDialog;
@@ -15,8 +16,9 @@ void PlaceOverMainWindow(QDialog& dialog);
 /// Asks with the question icon; @p buttons besides Yes, which is the default.
 QMessageBox::StandardButton Ask(const QString& text, QMessageBox::StandardButtons buttons);
 
-/// A question with Yes and No. @return whether the answer was Yes.
-bool AskYesNo(const QString& text);
+/// A question with Yes and No. @return whether the answer was Yes. While it stands, @p standing, if given, is its box,
+/// which can be closed without an answer.
+bool AskYesNo(const QString& text, QPointer<QDialog>* standing = nullptr);
 
 void Warn(const QString& text, const QString& title = {});
 void Inform(const QString& text);

@@ -90,6 +90,12 @@ RunEnd ProcessThread::Process()
     return copying == RunEnd::Complete && settings.deleteOriginal ? DeleteOriginals() : copying;
 }
 
+/// What has just been done may have been given up, so the last file is not enough.
+RunEnd ProcessThread::EndSoFar() const
+{
+    return isInterruptionRequested() ? RunEnd::Interrupted : RunEnd::Complete;
+}
+
 RunEnd ProcessThread::FixTags()
 {
     for (SAudioFile& file : files) {
@@ -102,7 +108,7 @@ RunEnd ProcessThread::FixTags()
         if (asking != RunEnd::Complete)
             return asking;
     }
-    return RunEnd::Complete;
+    return EndSoFar();
 }
 
 /// Fills a missing artist and title from a file name like "Artist-Title", else a missing title from all of it.
@@ -207,7 +213,7 @@ RunEnd ProcessThread::CopyFiles()
         if (!refused || settings.organizeBy != 0)
             emit SetProgress(i + 1);
     }
-    return RunEnd::Complete;
+    return EndSoFar();
 }
 
 void ProcessThread::CopyToTree(int index, const QString& name)

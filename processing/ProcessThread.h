@@ -47,8 +47,8 @@ public:
     TagManager tagManager;
     SRunSettings settings; ///< settings.outputFolder has no trailing "/" here
 
-    RunEnd end = RunEnd::Complete; ///< what the report says does not depend on it, by our decision
-    QString failureText;           ///< the report: a heading, then the sources in failedPaths, one a line
+    RunEnd end = RunEnd::Complete;
+    QString failureText; ///< the report: a heading, then the sources in failedPaths, one a line
 
     /// The hand-off: the worker fills the record and waits while the flag is set. The interface thread writes the
     /// record and the result and clears the flag last; whoever sees the flag cleared sees the other two.
@@ -70,6 +70,7 @@ protected:
 
 private:
     RunEnd Process();
+    RunEnd EndSoFar() const;
     RunEnd FixTags();
     bool FixFromFileName(SAudioFile& file);
     RunEnd AskUser(SAudioFile& file);
