@@ -21,16 +21,14 @@ the originals if wanted, and keeps a log. Profiles keep the settings.
 It reads and writes mp3, mp4, wav, flac, aif, asf, ogg, mpc, spx and wv files.")
 
 # What Debian wants in a form of its own, or compressed.
-execute_process(COMMAND date --utc --rfc-email --date ${RELEASE_DATE}
-    OUTPUT_VARIABLE RELEASE_TIME OUTPUT_STRIP_TRAILING_WHITESPACE)
 file(READ LICENSE licence)
 string(REGEX MATCH "Copyright \\(c\\) ([^\n]+)\n\n(.*[^\n])" licence "${licence}")
 set(COPYRIGHT "${CMAKE_MATCH_1}")
 string(REGEX REPLACE "\n" "\n " LICENSE_TEXT "${CMAKE_MATCH_2}")
 string(REPLACE "\n \n" "\n .\n" LICENSE_TEXT "${LICENSE_TEXT}")
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS LICENSE)
-configure_file(packaging/linux/debian-changelog.in ${MADE_FOLDER}/debian/changelog @ONLY)
 configure_file(packaging/linux/debian-copyright.in ${MADE_FOLDER}/debian/copyright @ONLY)
+configure_file(packaging/linux/debian-files.in ${MADE_FOLDER}/debian/files @ONLY)
 configure_file(packaging/linux/debian-files.cmake.in ${MADE_FOLDER}/debian/files.cmake @ONLY)
 set(CPACK_PRE_BUILD_SCRIPTS ${MADE_FOLDER}/debian/files.cmake)
 
