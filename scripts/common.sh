@@ -7,7 +7,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev qtmultimedia5-dev libqt5multimedia5-plugins libtag1-dev
     fonts-dejavu-core)
 virtual_display_packages=(xvfb xauth)
-package_packages=(dpkg-dev file lintian desktop-file-utils appstream imagemagick)
+package_packages=(dpkg-dev file lintian desktop-file-utils appstream imagemagick cmark-gfm)
 check_packages=(git clang clang-format clang-tidy)
 
 # install_packages PACKAGE...: installs those that are missing; needs neither the network nor any right when none is.

@@ -3,6 +3,9 @@ set(CPACK_PACKAGE_NAME orvanto)
 string(REGEX REPLACE "https?://(www\\.)?" "packages@" address ${HOMEPAGE})
 set(CPACK_PACKAGE_CONTACT "Orvanto developers <${address}>")
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_SOURCE_DIR}/build/packages)
+# Installs with the prefix of the package, which the place of the manual follows from, into a folder to pack.
+set(CPACK_SET_DESTDIR ON)
+set(CPACK_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)

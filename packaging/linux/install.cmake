@@ -4,9 +4,31 @@ set(ICON_FOLDER ${CMAKE_INSTALL_DATADIR}/icons/hicolor)
 set(PROFILE_ICON application-x-orvanto-profile)
 set(MADE_FOLDER ${PROJECT_BINARY_DIR}/packaging)
 
-# install_made(NAME FOLDER AS): fills in the version and the like, and installs the result under another name.
+# A page for the browser where the converter is installed, else the Markdown.
+find_program(CMARK_GFM cmark-gfm NO_CACHE)
+if(CMARK_GFM)
+    set(manual_name manual.html)
+    set(maker packaging/linux/manual.cmake)
+    set(template packaging/linux/manual.html.in)
+    add_custom_command(OUTPUT ${MADE_FOLDER}/manual.html
+        COMMAND ${CMAKE_COMMAND} -D CMARK_GFM=${CMARK_GFM} -D MARKDOWN=docs/manual.md -D TEMPLATE=${template}
+            -D PAGE=${MADE_FOLDER}/manual.html -D PROJECT_VERSION=${PROJECT_VERSION} -P ${maker}
+        WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} DEPENDS docs/manual.md ${template} ${maker} VERBATIM)
+    add_custom_target(manual DEPENDS ${MADE_FOLDER}/manual.html)
+    add_dependencies(orvanto manual)
+    install(FILES ${MADE_FOLDER}/manual.html DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+else()
+    set(manual_name manual.md)
+endif()
+
+# install_made(NAME FOLDER AS): fills in the version and the like, and installs the result under another name. The place
+# of the manual is known only when the prefix is: when it is installed.
 function(install_made name folder as)
-    configure_file(packaging/linux/${name}.in ${MADE_FOLDER}/${name} @ONLY)
+    set(MANUAL "@MANUAL@")
+    configure_file(packaging/linux/${name}.in ${MADE_FOLDER}/${name}.in @ONLY)
+    install(CODE "get_filename_component(prefix \"\${CMAKE_INSTALL_PREFIX}\" ABSOLUTE)
+        set(MANUAL \"\${prefix}/${CMAKE_INSTALL_DOCDIR}/docs/${manual_name}\")
+        configure_file(\"${MADE_FOLDER}/${name}.in\" \"${MADE_FOLDER}/${name}\" @ONLY)")
     install(FILES ${MADE_FOLDER}/${name} DESTINATION ${folder} RENAME ${as})
 endfunction()
 
