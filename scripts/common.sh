@@ -42,6 +42,13 @@ install_packages() {
     fi
 }
 
+# in_virtual_display SCREEN COMMAND...
+in_virtual_display() {
+    # xvfb-run trips over a blank in TMPDIR, so only the command gets that.
+    local folder=${TMPDIR:-/tmp}
+    TMPDIR=/tmp xvfb-run -a -s "-screen 0 $1" env TMPDIR="$folder" "${@:2}"
+}
+
 # build PRESET [TARGET...]: everything when no target is named.
 build() (
     echo "Building the preset $1."
