@@ -1,5 +1,5 @@
 # Shared by the other scripts, which source it: installing what is missing, and building.
-# shellcheck disable=SC2034
+# shellcheck shell=bash disable=SC2034
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -8,7 +8,7 @@ build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev qtmultimedia5-dev l
     fonts-dejavu-core)
 virtual_display_packages=(xvfb xauth)
 package_packages=(dpkg-dev file lintian desktop-file-utils appstream imagemagick cmark-gfm)
-check_packages=(git clang clang-format clang-tidy)
+check_packages=(git clang clang-format clang-tidy shellcheck)
 
 # install_packages PACKAGE...: installs those that are missing; needs neither the network nor any right when none is.
 install_packages() {
