@@ -105,11 +105,11 @@ private:
     qint64 longest = 0;
 };
 
-/// Makes @p count small files of the ten types in @p folder, with complete tags. @return @p folder.
+/// Makes @p count small files of all types in @p folder, with complete tags. @return @p folder.
 QString MakeLibrary(const QString& folder, int count)
 {
     for (int i = 0; i < count; ++i) {
-        const QString& extension = AudioExtensions().at(i % 10);
+        const QString& extension = AudioExtensions().at(i % AudioExtensions().size());
         PutSample("full." + extension, QString("%1/%2.%3").arg(folder).arg(i).arg(extension));
     }
     return folder;
@@ -623,7 +623,7 @@ int main(int argc, char** argv)
     }
     std::printf("| %-46s | %-44s | %15s | %6s | %6s | %s |\n", "work", "against", "measured", "ratio", "bound",
                 "holds");
-    std::printf("|---|---|---|---|---|---|\n");
+    std::printf("|---|---|---|---:|---:|---|\n");
     for (const auto& [name, measure] : sections) {
         const QTemporaryDir place;
         if (arguments.isEmpty() || arguments.contains(name))

@@ -4,7 +4,9 @@
 #include <QStringList>
 
 /// The accepted file extensions, lower case and without dot, in the order in which every choice of them is offered.
-/// What a file really is, TagLib finds out from its content. The files in packaging/ and the documents list them, too.
+/// What a file really is, TagManager finds out from its content. A new type also goes into tests/data/make-audio and
+/// the files that this makes, tests/tst_tags.cpp, README.md, docs/manual.md, and packaging/linux: deb.cmake and the
+/// metainfo.
 inline const QStringList& AudioExtensions()
 {
     static const QStringList extensions{

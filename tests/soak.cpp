@@ -117,7 +117,8 @@ void TryKills(int tries)
 {
     // Pieces without tags, so that there is no room for any, and what TagLib in place makes of each.
     for (int piece = 0; piece < pieces; ++piece) {
-        const QString artist = QString("Ann %1").arg(piece), type = AudioExtensions().at(piece % 10);
+        const QString artist = QString("Ann %1").arg(piece),
+                      type = AudioExtensions().at(piece % AudioExtensions().size());
         const QString name = artist + "-Song." + type, repaired = "repaired/" + artist + '/' + name;
         Put("library/" + name, Bytes(samples + "bare." + type).replace(SharedAudio(type), Audio(piece, type)));
         Put(repaired, Bytes("library/" + name));
