@@ -6,6 +6,7 @@
 #include "dialogs/Prompts.h"
 #include "files/FilePath.h"
 #include "files/WholeFile.h"
+#include "naming/OutputPath.h"
 #include "platform/UserSettings.h"
 #include "processing/RunLog.h"
 #include "tags/TagTextRules.h"
@@ -40,14 +41,7 @@ void MainWindow::EraseInvalidTags()
         if (!Pump())
             return;
         SAudioFile file = audioFiles.At(row);
-        bool erased = false;
-        for (const STag& tag : allTags) {
-            if (IsInvalidTag(file.*tag.field)) {
-                (file.*tag.field).clear();
-                erased = true;
-            }
-        }
-        if (erased)
+        if (ClearInvalidTags(file))
             WriteRecord(row, file);
     }
 }
@@ -57,8 +51,7 @@ void MainWindow::StartProcessing()
     BeginStage(tr("Processing..."));
     worker.files = audioFiles.Records();
     worker.settings = settings;
-    while (worker.settings.outputFolder.endsWith(QLatin1Char('/')))
-        worker.settings.outputFolder.chop(1);
+    worker.settings.outputFolder = WithoutTrailingSlashes(settings.outputFolder);
     worker.start(QThread::InheritPriority);
     if (stopping) // while tags were erased: that run ends like any other that is stopped
         worker.requestInterruption();

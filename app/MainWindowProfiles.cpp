@@ -1,6 +1,7 @@
 #include "app/MainWindow.h"
 
 #include "dialogs/Prompts.h"
+#include "files/FilePath.h"
 #include "files/WholeFile.h"
 #include "naming/ProfileText.h"
 #include "platform/UserSettings.h"
@@ -55,7 +56,7 @@ void MainWindow::on_actionSave_Profile_triggered()
         Warn(tr("Could not save profile."));
         return;
     }
-    UpdateAppTitleWithProfile(ProfileName(profilePath));
+    UpdateAppTitleWithProfile(BaseNameOf(profilePath));
 }
 
 void MainWindow::on_actionSave_Profile_As_triggered()
@@ -95,7 +96,7 @@ void MainWindow::LoadProfile(const QString& path)
     }
     settings = ReadProfile(file);
     file.close();
-    UpdateAppTitleWithProfile(ProfileName(path));
+    UpdateAppTitleWithProfile(BaseNameOf(path));
     RefreshInterface();
     profilePath = path;
     loading = false;

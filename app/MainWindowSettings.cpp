@@ -4,7 +4,6 @@
 #include "dialogs/Prompts.h"
 #include "files/FilePath.h"
 #include "naming/OutputPath.h"
-#include "naming/ProfileText.h"
 #include "platform/UserSettings.h"
 #include "ui_MainWindow.h"
 

@@ -1,6 +1,6 @@
 #include "dialogs/DialogRename.h"
 
-#include "naming/ProfileText.h"
+#include "naming/SRunSettings.h"
 #include "tags/SAudioFile.h"
 #include "ui_DialogRename.h"
 

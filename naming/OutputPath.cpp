@@ -5,7 +5,6 @@
 #include "tags/TagTextRules.h"
 
 #include <iterator>
-#include <tuple>
 
 namespace
 {
@@ -59,11 +58,8 @@ QString BuildFileName(const SAudioFile& file, int renameIndex, const QString& cu
         return StrippedOfReservedChars(BaseNameOf(file.Path));
 
     const QString scheme = renameIndex == customRenameIndex ? customScheme : QString::fromLatin1(choice->scheme);
-    const auto expand = [&file, &scheme](const auto&... tags) {
-        return GenerateFileNameFromRenameScheme(scheme,
-                                                file.*tags.field...); // the parameters are in the order of the table
-    };
-    return StrippedOfReservedChars(std::apply(expand, allTags));
+    return StrippedOfReservedChars(GenerateFileNameFromRenameScheme(scheme, file.Artist, file.Title, file.Album,
+                                                                    file.Year, file.Genre, file.Track));
 }
 
 QStringList FolderTags(const SAudioFile& file, int organizeBy)
@@ -76,6 +72,13 @@ QStringList FolderTags(const SAudioFile& file, int organizeBy)
         }
     }
     return tags;
+}
+
+QString WithoutTrailingSlashes(QString folder)
+{
+    while (folder.endsWith(QLatin1Char('/')))
+        folder.chop(1);
+    return folder;
 }
 
 QString BuildFolderPath(const QString& outputFolder, const QStringList& folderTags)

@@ -69,6 +69,9 @@ QString BuildFileName(const SAudioFile& file, int renameIndex, const QString& cu
 /// The tags that name the folders of @p file, top down and as they are; none for an index outside the table.
 QStringList FolderTags(const SAudioFile& file, int organizeBy);
 
+/// @p folder without the slashes at its end, as a run takes the output folder. The root becomes empty.
+QString WithoutTrailingSlashes(QString folder);
+
 /// The folder of the output tree for these tags: @p outputFolder, then "/" and the tag without reserved characters
 /// for each level. Since "/" and "." are reserved, no tag can lead out of @p outputFolder.
 QString BuildFolderPath(const QString& outputFolder, const QStringList& folderTags);

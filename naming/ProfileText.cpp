@@ -1,7 +1,5 @@
 #include "naming/ProfileText.h"
 
-#include "files/FilePath.h"
-
 #include <variant>
 
 namespace
@@ -83,14 +81,4 @@ SRunSettings ReadProfile(QIODevice& device)
         std::visit([&settings, &value](auto setting) { Read(value, settings.*setting); }, line.setting);
     }
     return settings;
-}
-
-QString WithoutLineBreaks(QString text)
-{
-    return text.remove(QLatin1Char('\n')).remove(QLatin1Char('\r'));
-}
-
-QString ProfileName(const QString& path)
-{
-    return BaseNameOf(path);
 }

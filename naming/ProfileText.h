@@ -5,10 +5,8 @@
 #include <QByteArray>
 #include <QIODevice>
 
-/// The text of a profile file: the eight settings as UTF-8, one "key=value" line each, in a fixed order, each line
-/// ended by one line feed.
-
-/// The file's exact content for these settings.
+/// The exact content of a profile file with these settings: UTF-8, one "key=value" line each, in a fixed order, each
+/// line ended by one line feed.
 QByteArray ProfileText(const SRunSettings& settings);
 
 /// Reads the settings from eight lines of @p device, opened without translation of line ends. A line counts by its
@@ -16,9 +14,3 @@ QByteArray ProfileText(const SRunSettings& settings);
 /// range-checked. Missing lines read as 0, false or empty. A line longer than any profile's is cut, and the rest of the
 /// file is not read.
 SRunSettings ReadProfile(QIODevice& device);
-
-/// @p text without line feeds and carriage returns, which a line of a profile cannot hold.
-QString WithoutLineBreaks(QString text);
-
-/// The name under which the window shows the profile at @p path.
-QString ProfileName(const QString& path);

@@ -17,3 +17,10 @@ struct SRunSettings
     /// Whether the user is asked about complete files, too.
     bool AsksAboutEveryFile() const { return fixManually && !onlyEditInvalid; }
 };
+
+/// @p text without line feeds and carriage returns, which no setting that is typed or pasted may hold: a profile has a
+/// line for each.
+inline QString WithoutLineBreaks(QString text)
+{
+    return text.remove(QLatin1Char('\n')).remove(QLatin1Char('\r'));
+}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QLatin1String>
 #include <QString>
 
 #include <array>
@@ -26,7 +27,7 @@ enum Index { Artist = 1, Title, Album, Year, Genre, Track };
 }
 
 /// What each tag of a file reads as that cannot be read or carries no tags. A name with this text in it is refused.
-constexpr char unknownText[] = "Unknown";
+inline constexpr QLatin1String unknownTag("Unknown");
 
 /// What the program knows of one tag.
 struct STag
@@ -40,8 +41,8 @@ struct STag
 
 /// The six tags in the order of their index, which is also the order in which they are shown.
 constexpr std::array<STag, 6> allTags{{
-    {Tag::Artist, "Artist", &SAudioFile::Artist, "", unknownText},
-    {Tag::Title, "Title", &SAudioFile::Title, "", unknownText},
+    {Tag::Artist, "Artist", &SAudioFile::Artist, "", unknownTag.data()},
+    {Tag::Title, "Title", &SAudioFile::Title, "", unknownTag.data()},
     {Tag::Album, "Album", &SAudioFile::Album, "", "Album"},
     {Tag::Year, "Year", &SAudioFile::Year, "0", "Year"},
     {Tag::Genre, "Genre", &SAudioFile::Genre, "", "Genre"},

@@ -9,6 +9,18 @@ bool IsInvalidTag(const QString& text)
                        [&text](const char* part) { return text.contains(QLatin1String(part)); });
 }
 
+bool ClearInvalidTags(SAudioFile& file)
+{
+    bool erased = false;
+    for (const STag& tag : allTags) {
+        if (IsInvalidTag(file.*tag.field)) {
+            (file.*tag.field).clear();
+            erased = true;
+        }
+    }
+    return erased;
+}
+
 void RemoveTrailingSpaces(QString& text)
 {
     int length = text.size();

@@ -4,11 +4,11 @@
 
 #include <QString>
 
-/// What each tag of a file reads as that cannot be read or carries no tags.
-inline const QString unknownTag = QLatin1String(unknownText);
-
 /// Whether @p text carries a web address: spam, to be erased. Case-sensitive and a plain substring test on purpose.
 bool IsInvalidTag(const QString& text);
+
+/// Empties the invalid tags of @p file. @return whether there were any.
+bool ClearInvalidTags(SAudioFile& file);
 
 /// Removes blanks (U+0020 only, no other white space) from the end of @p text.
 void RemoveTrailingSpaces(QString& text);
