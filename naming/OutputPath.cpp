@@ -89,6 +89,13 @@ QString BuildFolderPath(const QString& outputFolder, const QStringList& folderTa
     return folder;
 }
 
+QString BuildOutputPath(const SAudioFile& file, const SRunSettings& settings)
+{
+    return BuildFolderPath(settings.outputFolder, FolderTags(file, settings.organizeBy)) + QLatin1Char('/') +
+           BuildFileName(file, settings.renameIndex, settings.customRenameScheme) + QLatin1Char('.') +
+           ExtensionOf(file.Path);
+}
+
 QString BuildPreviewFileName(SAudioFile file, const SRunSettings& settings)
 {
     PutPreviewCaptions(file);

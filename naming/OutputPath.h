@@ -76,6 +76,9 @@ QString WithoutTrailingSlashes(QString folder);
 /// for each level. Since "/" and "." are reserved, no tag can lead out of @p outputFolder.
 QString BuildFolderPath(const QString& outputFolder, const QStringList& folderTags);
 
+/// Where a run with these settings puts @p file.
+QString BuildOutputPath(const SAudioFile& file, const SRunSettings& settings);
+
 /// The name without extension that the preview shows for @p file: like the real one, but with the captions of missing
 /// tags in their place.
 QString BuildPreviewFileName(SAudioFile file, const SRunSettings& settings);

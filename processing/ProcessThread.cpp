@@ -7,7 +7,6 @@
 #include "tags/TagTextRules.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 namespace
@@ -51,8 +50,7 @@ void ProcessThread::Init()
     outputPaths.clear();
     failedPaths.clear();
     foldersLeadingOut.clear();
-    originals.clear();
-    flushedFolders.clear();
+    rows.clear();
 }
 
 QString ProcessThread::GenerateFilename(int index) const
@@ -196,7 +194,7 @@ void ProcessThread::CreateFolders()
 
 RunEnd ProcessThread::CopyFiles()
 {
-    originals.resize(static_cast<std::size_t>(files.size()));
+    rows.resize(static_cast<std::size_t>(files.size()));
     for (int i = 0; i < files.size(); ++i) {
         if (isInterruptionRequested())
             return RunEnd::Interrupted;
@@ -220,10 +218,9 @@ void ProcessThread::CopyToTree(int index, const QString& name)
 {
     const SAudioFile& file = files.at(index);
     const QStringList folderTags = FolderTags(file, settings.organizeBy);
-    const QString destination = BuildFolderPath(settings.outputFolder, folderTags) + QLatin1Char('/') + name +
-                                QLatin1Char('.') + ExtensionOf(file.Path);
+    const QString destination = BuildOutputPath(file, settings);
     outputPaths += destination;
-    SOriginal original;
+    SRowResult row;
     const auto source = FactsOf(file.Path);
     // A pipe or a device in the source's place must not count as copied.
     if (!source || !source->IsRegular() || foldersLeadingOut.contains(folderTags)) {
@@ -232,17 +229,17 @@ void ProcessThread::CopyToTree(int index, const QString& name)
         // It is kept, and that is no failure. The two are compared at once: there are file systems that make inode
         // numbers up and forget them.
         if (!IsSameFile(destination, file.Path))
-            original = {SOriginal::Fate::Goes, destination, source};
+            row = {SRowResult::Outcome::WasThere, source};
     } else {
         const SCopy copy = CopyFile(file.Path, destination, [this] { return !isInterruptionRequested(); });
         if (copy.result == CopyResult::Copied)
-            original = {SOriginal::Fate::GoesIfCopied, destination, copy.source};
+            row = {SRowResult::Outcome::Copied, copy.source};
         else if (copy.result == CopyResult::Failed)
             RecordFailure(file.Path);
     }
     // Files without a name were all meant for one destination; that is no reason to delete any.
     if (!name.isEmpty())
-        originals[static_cast<std::size_t>(index)] = original;
+        rows[static_cast<std::size_t>(index)] = row;
 }
 
 void ProcessThread::RecordFailure(const QString& sourcePath)
@@ -251,72 +248,14 @@ void ProcessThread::RecordFailure(const QString& sourcePath)
     failedPaths += sourcePath;
 }
 
-/// Waits until the names from @p folder up to the output folder's own are on the disk. @return false when they may be
-/// lost.
-bool ProcessThread::FlushNames(QString folder)
-{
-    const int shortest = FolderOf(settings.outputFolder).size();
-    for (;;) {
-        if (!flushedFolders.contains(folder))
-            flushedFolders.insert(folder, FlushFolder(folder.isEmpty() ? QStringLiteral("/") : folder));
-        const QString parent = FolderOf(folder);
-        if (!flushedFolders.value(folder) || folder.size() <= shortest || parent == folder)
-            return flushedFolders.value(folder);
-        folder = parent;
-    }
-}
-
-/// Whether the file that a source may be deleted for is there, and if that is its copy, whether it will stay and the
-/// source, of which these are the facts, has not changed since.
-bool ProcessThread::IsProven(const SOriginal& original, const SFileFacts& now)
-{
-    const auto file = FactsOf(original.destination);
-    if (!file || !file->IsRegular())
-        return false;
-    return original.fate == SOriginal::Fate::Goes ||
-           (IsUnchanged(*original.source, now) && file->size == now.size && FlushNames(FolderOf(original.destination)));
-}
-
-/// Removes every source that was copied, or whose destination was another file all along. A source that is its own
-/// destination stays, however its path is spelled, and so does one that has changed since it was copied.
 RunEnd ProcessThread::DeleteOriginals()
 {
-    const QList<QString> paths = outputPaths + failedPaths;
-    const QSet<QString> keptPaths(paths.begin(), paths.end());
-    QSet<QString> keptSpellings;
-    QSet<std::pair<quint64, quint64>> keptFiles, unlinked;
-    for (const QString& path : paths) {
-        if (const auto facts = FactsOf(path))
-            keptFiles.insert(facts->Identity());
-    }
-
+    OriginalsDeletion deletion(settings, outputPaths + failedPaths);
     for (int i = 0; i < files.size(); ++i) {
         if (isInterruptionRequested())
             return RunEnd::Interrupted;
-        const QString& path = files.at(i).Path;
-        SOriginal& original = originals.at(static_cast<std::size_t>(i));
-        const auto now = FactsOf(path);
-        if (original.fate == SOriginal::Fate::Stays || keptPaths.contains(path) || !now ||
-            keptFiles.contains(now->Identity()))
-            continue;
-        if (original.fate == SOriginal::Fate::Goes) {
-            // It was not copied, and may be the very file that another source goes for.
-            if (keptSpellings.isEmpty()) {
-                for (const QString& kept : paths)
-                    keptSpellings.insert(ComparablePath(kept));
-            }
-            if (keptSpellings.contains(ComparablePath(path)))
-                continue;
-        }
-        if (unlinked.contains(now->Identity()))
-            original.source->changed = now->changed; // by us: another name of this file has gone
-        if (IsProven(original, *now)) {
-            unlinked.insert(now->Identity());
-            QFile::remove(path);
-        } else {
-            RecordFailure(path);
-            keptFiles.insert(now->Identity()); // under its other names, too
-        }
+        if (!deletion.Delete(files.at(i), rows.at(static_cast<std::size_t>(i))))
+            RecordFailure(files.at(i).Path);
     }
     files.clear();
     return RunEnd::Complete;

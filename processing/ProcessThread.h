@@ -1,11 +1,10 @@
 #pragma once
 
-#include "files/FileFacts.h"
 #include "naming/SRunSettings.h"
+#include "processing/OriginalsDeletion.h"
 #include "tags/SAudioFile.h"
 #include "tags/TagManager.h"
 
-#include <QHash>
 #include <QList>
 #include <QSet>
 #include <QString>
@@ -80,18 +79,6 @@ private:
     void RecordFailure(const QString& sourcePath);
     RunEnd DeleteOriginals();
 
-    /// Whether the source of one row may be deleted, and for which file.
-    struct SOriginal
-    {
-        enum class Fate { Stays, Goes, GoesIfCopied };
-        Fate fate = Fate::Stays;
-        QString destination = {};
-        std::optional<SFileFacts> source = std::nullopt; ///< when it was copied
-    };
-    bool FlushNames(QString folder);
-    bool IsProven(const SOriginal& original, const SFileFacts& now);
-
-    std::vector<SOriginal> originals;    ///< by row
+    std::vector<SRowResult> rows;
     QSet<QStringList> foldersLeadingOut; ///< tags whose folder is not ours to write into
-    QHash<QString, bool> flushedFolders; ///< whether their names are on the disk
 };

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "files/FileFacts.h"
+#include "naming/SRunSettings.h"
+#include "tags/SAudioFile.h"
+
+#include <QHash>
+#include <QList>
+#include <QSet>
+#include <QString>
+
+#include <optional>
+#include <utility>
+
+/// What became of one row of the list when files were copied.
+struct SRowResult
+{
+    enum class Outcome {
+        Kept,     ///< nothing stands for its source
+        WasThere, ///< there was another file at its destination
+        Copied
+    };
+    Outcome outcome = Outcome::Kept;
+    std::optional<SFileFacts> source = std::nullopt; ///< when it was copied, or the other file found
+};
+
+/// Deletes the originals of one run, each by what became of its row. A source that is its own destination stays,
+/// however its path is spelled, and so does one that has changed since it was copied.
+class OriginalsDeletion
+{
+public:
+    /// @p keptPaths are the run's destinations and the sources that were not copied.
+    OriginalsDeletion(SRunSettings runSettings, QList<QString> keptPaths);
+
+    /// Deletes the source of one row, if it may. @return false when it was to go and had to stay.
+    bool Delete(const SAudioFile& file, SRowResult& row);
+
+private:
+    bool IsKept(const QString& path, const SFileFacts& facts, SRowResult::Outcome outcome);
+    bool IsProven(const SRowResult& row, const QString& destination, const SFileFacts& now);
+    bool FlushNames(QString folder);
+
+    using Identities = QSet<std::pair<quint64, quint64>>;
+
+    const SRunSettings settings;
+    const QList<QString> paths; ///< none of them goes
+    const QSet<QString> keptPaths;
+    QSet<QString> keptSpellings;
+    Identities keptFiles, unlinked;
+    QHash<QString, bool> flushedFolders; ///< whether their names are on the disk
+};
