@@ -1,9 +1,8 @@
 #include "files/NewFile.h"
 
-#include "files/FilePath.h"
+#include "files/HiddenFile.h"
 
 #include <QFile>
-#include <QRandomGenerator>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -25,16 +24,6 @@
 namespace
 {
 constexpr qint64 step = 1 << 20; // bytes; a slow stick takes a tenth of a second for them
-
-/// A name for a new hidden file in the folder of @p path.
-QString HiddenName(const QString& path)
-{
-    const QString characters = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789");
-    QString name = FolderOf(path) + QStringLiteral("/.orvanto-");
-    for (int i = 0; i < 6; ++i)
-        name += characters.at(QRandomGenerator::global()->bounded(characters.size()));
-    return name;
-}
 
 #ifdef Q_OS_MACOS
 qint64 CopyInKernel(int, qint64, int, qint64, qint64)
@@ -70,33 +59,13 @@ void CopyExtendedAttributes(int from, int to)
     }
 #endif
 }
-
-/// Renames a file unless there is something of the new name.
-bool RenameToFreeName(const char* from, const char* to)
-{
-#ifdef Q_OS_MACOS
-    if (renamex_np(from, to, RENAME_EXCL) == 0)
-        return true;
-#else
-    if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0)
-        return true;
-#endif
-    if (!IsUnsupported())
-        return false;
-    if (link(from, to) == 0)
-        return unlink(from) == 0;
-    // A file system without hard links. This leaves a moment in which somebody else's file could be replaced.
-    struct stat status;
-    return errno != EEXIST && lstat(to, &status) != 0 && errno == ENOENT && std::rename(from, to) == 0;
-}
 } // namespace
 
-NewFile::NewFile(const QString& path, mode_t mode) : destination(QFile::encodeName(path))
+NewFile::NewFile(const QString& path, mode_t mode) : destination(path)
 {
     do {
-        const QString name = HiddenName(path);
-        hiddenName = QFile::encodeName(name);
-        handle = FileHandle(name, O_RDWR | O_CREAT | O_EXCL, mode);
+        hiddenName = HiddenName(path);
+        handle = FileHandle(hiddenName, O_RDWR | O_CREAT | O_EXCL, mode);
     } while (!handle.IsOpen() && errno == EEXIST);
     if (!handle.IsOpen())
         hiddenName.clear();
@@ -105,15 +74,15 @@ NewFile::NewFile(const QString& path, mode_t mode) : destination(QFile::encodeNa
 NewFile::~NewFile()
 {
     if (!hiddenName.isEmpty())
-        unlink(hiddenName.constData());
+        unlink(QFile::encodeName(hiddenName).constData());
 }
 
 bool NewFile::Clone(const FileHandle& source)
 {
 #ifdef Q_OS_MACOS
     // A clone takes a name that nobody has.
-    return unlink(hiddenName.constData()) == 0 &&
-           fclonefileat(source.Descriptor(), AT_FDCWD, hiddenName.constData(), 0) == 0;
+    return unlink(QFile::encodeName(hiddenName).constData()) == 0 &&
+           fclonefileat(source.Descriptor(), AT_FDCWD, QFile::encodeName(hiddenName).constData(), 0) == 0;
 #else
     return ioctl(handle.Descriptor(), FICLONE, source.Descriptor()) == 0;
 #endif
@@ -123,12 +92,12 @@ NewFile::Transfer NewFile::CopyContent(const FileHandle& source, qint64 length, 
 {
     if (!Clone(source)) {
 #ifdef Q_OS_MACOS
-        handle = FileHandle(QFile::decodeName(hiddenName), O_RDWR | O_CREAT | O_EXCL, 0600);
+        handle = FileHandle(hiddenName, O_RDWR | O_CREAT | O_EXCL, 0600);
 #endif
         return CopyRange(source, 0, length, goOn);
     }
 #ifdef Q_OS_MACOS
-    handle = FileHandle(QFile::decodeName(hiddenName), O_RDONLY); // it has its source's permissions
+    handle = FileHandle(hiddenName, O_RDONLY); // it has its source's permissions
 #endif
     size = length;
     return Transfer::Done;
@@ -221,9 +190,9 @@ bool NewFile::Finish()
 
 bool NewFile::Appear(Existing existing)
 {
-    const bool appeared = existing == Existing::Replace
-                              ? std::rename(hiddenName.constData(), destination.constData()) == 0
-                              : RenameToFreeName(hiddenName.constData(), destination.constData());
+    const bool appeared = existing == Existing::Replace ? std::rename(QFile::encodeName(hiddenName).constData(),
+                                                                      QFile::encodeName(destination).constData()) == 0
+                                                        : RenameToFreeName(hiddenName, destination);
     if (appeared)
         hiddenName.clear();
     return appeared;

@@ -49,8 +49,8 @@ private:
     bool Clone(const FileHandle& source);
     bool StartWriting();
 
-    const QByteArray destination;
-    QByteArray hiddenName; ///< empty once there is no file of that name
+    const QString destination;
+    QString hiddenName; ///< empty once there is no file of that name
     FileHandle handle;
     qint64 size = 0;                      ///< bytes so far
     [[maybe_unused]] qint64 onItsWay = 0; ///< bytes handed to the disk so far
