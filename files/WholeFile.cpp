@@ -1,36 +1,21 @@
 #include "files/WholeFile.h"
 
-#include "files/EditedFile.h"
-#include "files/NewFile.h"
+#include "files/FileHandle.h"
 
 #include <QFileInfo>
+#include <QSaveFile>
 
-bool WriteWholeFile(const QString& givenPath, const QByteArray& content)
+bool WriteWholeFile(const QString& path, const QByteArray& content)
 {
-    const QString canonical = QFileInfo(givenPath).canonicalFilePath();
-    const QString& path = canonical.isEmpty() ? givenPath : canonical; // a link stays one
-    FileHandle old(path, O_WRONLY);
-    const auto facts = old.Facts();
-    if (!old.IsOpen() && QFileInfo::exists(path))
-        return false;
-    if (facts && !facts->IsRegular()) {
-        old.Append(content);
-        return true;
-    }
-    if (QFileInfo(path).isSymLink()) // to nothing yet
+    const QFileInfo old(path);
+    if (old.exists() && !old.isFile()) // a pipe or a device
         return AppendToFile(path, content);
-
-    NewFile file(path, 0666);
-    if (!file.IsOpen() || (facts && !file.TakeOwner(*facts))) {
-        EditedFile direct(path);
-        direct.Replace(0, direct.Size(), content);
-        direct.Save();
-        return facts.has_value();
-    }
-    if (facts)
-        file.TakeAttributes(old, *facts);
-    if (file.Append(content) && file.Finish())
-        file.Appear(NewFile::Existing::Replace);
+    QSaveFile file(old.exists() ? old.canonicalFilePath() : path); // every link stays one
+    file.setDirectWriteFallback(true);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    file.write(content);
+    file.commit();
     return true;
 }
 

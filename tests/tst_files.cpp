@@ -138,10 +138,7 @@ private slots:
             {"moves", "fsync", 1, EIO},
             {"moves", "rename", 1, EACCES},
             {"moves", "fchmod", 0, EPERM, true},
-            {"profile", "pwrite", 1, ENOSPC},
-            {"profile", "fsync", 1, EIO},
             {"profile", "rename", 1, EIO},
-            {"profile", "open new", 1, ENOSPC, true}, // then the old one serves
         };
         for (const auto& row : rows) {
             init();
