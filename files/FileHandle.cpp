@@ -39,11 +39,19 @@ qint64 Repeated(qint64 size, const Call& call)
 } // namespace
 
 FileHandle::FileHandle(const QString& path, int flags, mode_t mode)
-    : descriptor(Retried(
-          [&] { return open(QFile::encodeName(path).constData(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, mode); }))
-{}
-
-FileHandle::FileHandle(FileHandle&& other) noexcept : descriptor(std::exchange(other.descriptor, -1)) {}
+{
+    const auto opened = [&](int waiting) {
+        return Retried(
+            [&] { return open(QFile::encodeName(path).constData(), flags | waiting | O_CLOEXEC | O_NOCTTY, mode); });
+    };
+    descriptor = opened(O_NONBLOCK);
+    if (descriptor >= 0 || errno != EWOULDBLOCK)
+        return;
+    // Another program, like a file server, holds a lease on it, which it gives up for those who wait.
+    const auto facts = FactsOf(path);
+    if (facts && facts->IsRegular())
+        descriptor = opened(0);
+}
 
 FileHandle& FileHandle::operator=(FileHandle&& other) noexcept
 {
