@@ -4,6 +4,7 @@
 #include "files/FilePath.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QRandomGenerator>
 
 #include <sys/stat.h>
@@ -37,10 +38,36 @@ bool RenameToFreeName(const QString& oldName, const QString& newName)
 #endif
     if (!IsUnsupported())
         return false;
-    if (link(from.constData(), to.constData()) == 0)
-        return unlink(from.constData()) == 0;
+    if (link(from.constData(), to.constData()) == 0) {
+        if (unlink(from.constData()) == 0)
+            return true;
+        unlink(to.constData());
+        return false;
+    }
     // A file system without hard links. This leaves a moment in which somebody else's file could be replaced.
     struct stat status;
     return errno != EEXIST && lstat(to.constData(), &status) != 0 && errno == ENOENT &&
            std::rename(from.constData(), to.constData()) == 0;
+}
+
+bool RemoveFile(const QString& path, const QString& other)
+{
+    if (other.isEmpty())
+        return unlink(QFile::encodeName(path).constData()) == 0;
+    QString aside;
+    bool renamed = false;
+    do {
+        aside = HiddenName(path, QStringLiteral("original-")) + QLatin1Char('.') + QFileInfo(path).suffix();
+        renamed = RenameToFreeName(path, aside);
+    } while (!renamed && errno == EEXIST);
+    if (!renamed)
+        return false;
+    // It is opened, for what the system remembers of it may be old. Some servers open a renamed file all the same.
+    const auto there = FileHandle(other, O_RDONLY).Facts(), own = FactsOf(aside);
+    const bool isOther =
+        there && own && there->IsRegular() && !(there->inode == own->inode && IsUnchanged(*there, *own));
+    if (isOther && unlink(QFile::encodeName(aside).constData()) == 0)
+        return true;
+    RenameToFreeName(aside, path);
+    return false;
 }

@@ -7,3 +7,8 @@ QString HiddenName(const QString& path, const QString& kind = {});
 
 /// Renames a file unless there is something of the new name. @return false with errno when it has kept its name.
 bool RenameToFreeName(const QString& from, const QString& to);
+
+/// Deletes the file at @p path. With @p other, it does so only when that file can be opened after this one has been
+/// renamed aside, to a hidden name of the kind "original-": the two may be one file, mounted twice, although everything
+/// that the system says of them differs. @return false when the file is still there.
+bool RemoveFile(const QString& path, const QString& other = {});

@@ -1,10 +1,12 @@
 #include "processing/OriginalsDeletion.h"
 
 #include "files/CopyFile.h"
+#include "files/FileHandle.h"
 #include "files/FilePath.h"
+#include "files/HiddenFile.h"
 #include "naming/OutputPath.h"
 
-#include <QFile>
+#include <QFileInfo>
 
 using Outcome = SRowResult::Outcome;
 
@@ -32,44 +34,43 @@ bool OriginalsDeletion::IsKept(const QString& path, const SFileFacts& facts, Out
     return keptSpellings.contains(ComparablePath(path));
 }
 
-bool OriginalsDeletion::Delete(const SAudioFile& file, SRowResult& row)
+bool OriginalsDeletion::Delete(const SAudioFile& file, const SRowResult& row)
 {
-    const auto now = FactsOf(file.Path);
+    if (row.outcome == Outcome::Kept)
+        return true;
+    const QString destination = BuildOutputPath(file, settings);
+    const bool staysThere = FlushNames(FolderOf(destination)); // which takes time: all facts are read after it
+    const auto now = FactsOf(file.Path), there = FactsOf(destination);
     if (!now || IsKept(file.Path, *now, row.outcome))
         return true;
-    if (unlinked.contains(now->Identity()))
-        row.source->changed = now->changed; // by us: another name of this file has gone
-    if (!IsProven(row, BuildOutputPath(file, settings), *now)) {
+
+    const auto lostName = unlinked.find(now->Identity());
+    const bool isOurChange = lostName != unlinked.end() && IsUnchanged(lostName->second.after, *now);
+    const SFileFacts& source = isOurChange ? lostName->second.before : *now;
+    const bool isProven =
+        staysThere && there && there->IsRegular() &&
+        (row.outcome == Outcome::WasThere || (IsUnchanged(*row.source, source) && there->size == source.size));
+    // A file that was there already may be the source itself, mounted twice.
+    const bool mayBeItself = row.outcome == Outcome::WasThere && there && there->device != now->device;
+    const FileHandle handle(file.Path, O_RDONLY);
+    if (!isProven || (!RemoveFile(file.Path, mayBeItself ? destination : QString()) && mayBeItself)) {
         keptFiles.insert(now->Identity()); // under its other names, too
         return false;
     }
-    unlinked.insert(now->Identity());
-    QFile::remove(file.Path);
+    if (const auto after = handle.Facts())
+        unlinked.insert_or_assign(now->Identity(), SUnlinked{source, *after});
     return true;
 }
 
-/// Whether the file that a source may be deleted for is there, and if that is its copy, whether it will stay and the
-/// source, of which these are the facts, has not changed since.
-bool OriginalsDeletion::IsProven(const SRowResult& row, const QString& destination, const SFileFacts& now)
-{
-    const auto file = FactsOf(destination);
-    if (!file || !file->IsRegular())
-        return false;
-    return row.outcome == Outcome::WasThere ||
-           (IsUnchanged(*row.source, now) && file->size == now.size && FlushNames(FolderOf(destination)));
-}
-
-/// Waits until the names from @p folder up to the output folder's own are on the disk. @return false when they may be
+/// Waits until the names in @p folder, and its own up to the root, are on the disk. @return false when they may be
 /// lost.
-bool OriginalsDeletion::FlushNames(QString folder)
+bool OriginalsDeletion::FlushNames(const QString& folder)
 {
-    const int shortest = FolderOf(settings.outputFolder).size();
-    for (;;) {
-        if (!flushedFolders.contains(folder))
-            flushedFolders.insert(folder, FlushFolder(folder.isEmpty() ? QStringLiteral("/") : folder));
-        const QString parent = FolderOf(folder);
-        if (!flushedFolders.value(folder) || folder.size() <= shortest || parent == folder)
-            return flushedFolders.value(folder);
-        folder = parent;
-    }
+    const auto known = flushedFolders.constFind(folder);
+    if (known != flushedFolders.constEnd())
+        return *known;
+    const QString canonical = QFileInfo(folder + QLatin1Char('/')).canonicalFilePath();
+    const bool flushed = FlushFolder(canonical) && (canonical == QLatin1String("/") || FlushNames(FolderOf(canonical)));
+    flushedFolders.insert(folder, flushed);
+    return flushed;
 }

@@ -9,6 +9,7 @@
 #include <QSet>
 #include <QString>
 
+#include <map>
 #include <optional>
 #include <utility>
 
@@ -33,19 +34,23 @@ public:
     OriginalsDeletion(SRunSettings runSettings, QList<QString> keptPaths);
 
     /// Deletes the source of one row, if it may. @return false when it was to go and had to stay.
-    bool Delete(const SAudioFile& file, SRowResult& row);
+    bool Delete(const SAudioFile& file, const SRowResult& row);
 
 private:
     bool IsKept(const QString& path, const SFileFacts& facts, SRowResult::Outcome outcome);
-    bool IsProven(const SRowResult& row, const QString& destination, const SFileFacts& now);
-    bool FlushNames(QString folder);
+    bool FlushNames(const QString& folder);
 
-    using Identities = QSet<std::pair<quint64, quint64>>;
+    using Identity = std::pair<quint64, quint64>;
+    struct SUnlinked
+    {
+        SFileFacts before, after;
+    };
 
     const SRunSettings settings;
     const QList<QString> paths; ///< none of them goes
     const QSet<QString> keptPaths;
     QSet<QString> keptSpellings;
-    Identities keptFiles, unlinked;
-    QHash<QString, bool> flushedFolders; ///< whether their names are on the disk
+    QSet<Identity> keptFiles;
+    std::map<Identity, SUnlinked> unlinked; ///< files that have lost a name here, which changes the facts of the others
+    QHash<QString, bool> flushedFolders;    ///< whether their names are on the disk
 };
