@@ -15,9 +15,9 @@ SFileFacts::SFileFacts(const struct stat& status)
     : device(static_cast<quint64>(status.st_dev)), inode(status.st_ino), size(status.st_size), mode(status.st_mode),
       owner(status.st_uid), group(status.st_gid),
 #ifdef Q_OS_MACOS
-      modified(status.st_mtimespec), changed(status.st_ctimespec)
+      accessed(status.st_atimespec), modified(status.st_mtimespec), changed(status.st_ctimespec)
 #else
-      modified(status.st_mtim), changed(status.st_ctim)
+      accessed(status.st_atim), modified(status.st_mtim), changed(status.st_ctim)
 #endif
 {}
 

@@ -20,6 +20,7 @@ struct SFileFacts
     mode_t mode;
     uid_t owner;
     gid_t group;
+    timespec accessed; ///< the last reading, as far as the system notes it
     timespec modified; ///< the last change of its content
     timespec changed;  ///< the last change of any kind; no program sets it back
 

@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <utility>
 #include <vector>
 
 #ifdef Q_OS_MACOS
@@ -74,15 +75,25 @@ NewFile::NewFile(const QString& path, mode_t mode) : destination(path)
 NewFile::~NewFile()
 {
     if (!hiddenName.isEmpty())
-        unlink(QFile::encodeName(hiddenName).constData());
+        RemoveFile(hiddenName);
 }
 
 bool NewFile::Clone(const FileHandle& source)
 {
 #ifdef Q_OS_MACOS
-    // A clone takes a name that nobody has.
-    return unlink(QFile::encodeName(hiddenName).constData()) == 0 &&
-           fclonefileat(source.Descriptor(), AT_FDCWD, QFile::encodeName(hiddenName).constData(), 0) == 0;
+    // Of a locked file, a clone is locked, too: it could neither be renamed nor removed.
+    constexpr unsigned int locks = UF_IMMUTABLE | UF_APPEND | SF_IMMUTABLE | SF_APPEND;
+    struct stat from, to;
+    if (fstat(source.Descriptor(), &from) != 0 || fstat(handle.Descriptor(), &to) != 0 || from.st_dev != to.st_dev ||
+        (from.st_flags & locks) != 0)
+        return false;
+    // A clone takes a name that nobody has, and its source's permissions.
+    const QString name = HiddenName(destination);
+    if (fclonefileat(source.Descriptor(), AT_FDCWD, QFile::encodeName(name).constData(), 0) != 0)
+        return false;
+    handle = FileHandle(name, O_RDONLY);
+    RemoveFile(std::exchange(hiddenName, name));
+    return true;
 #else
     return ioctl(handle.Descriptor(), FICLONE, source.Descriptor()) == 0;
 #endif
@@ -90,15 +101,8 @@ bool NewFile::Clone(const FileHandle& source)
 
 NewFile::Transfer NewFile::CopyContent(const FileHandle& source, qint64 length, const std::function<bool()>& goOn)
 {
-    if (!Clone(source)) {
-#ifdef Q_OS_MACOS
-        handle = FileHandle(hiddenName, O_RDWR | O_CREAT | O_EXCL, 0600);
-#endif
+    if (!Clone(source))
         return CopyRange(source, 0, length, goOn);
-    }
-#ifdef Q_OS_MACOS
-    handle = FileHandle(hiddenName, O_RDONLY); // it has its source's permissions
-#endif
     size = length;
     return Transfer::Done;
 }
@@ -165,19 +169,25 @@ bool NewFile::TakeOwner(const SFileFacts& facts)
     if (own && own->owner == facts.owner && own->group == facts.group)
         return true;
     const auto nobody = static_cast<uid_t>(-1);
+    // On some systems a new file has its folder's group. Without the old one, nobody in that may do more than
+    // everybody.
+    const mode_t forGroup = facts.mode >> 3 & 07, forOthers = facts.mode & 07;
     return fchown(handle.Descriptor(), facts.owner, facts.group) == 0 ||
-           fchown(handle.Descriptor(), nobody, facts.group) == 0;
+           fchown(handle.Descriptor(), nobody, facts.group) == 0 || (forGroup & ~forOthers) == 0;
 }
 
 void NewFile::TakeAttributes(const FileHandle& source, const SFileFacts& facts)
 {
     CopyExtendedAttributes(source.Descriptor(), handle.Descriptor());
-    fchmod(handle.Descriptor(), facts.mode & 07777);
+    // A program that runs as its owner or group must not become one that runs as somebody else.
+    const auto own = handle.Facts();
+    const bool isSameOwner = own && own->owner == facts.owner && own->group == facts.group;
+    fchmod(handle.Descriptor(), facts.mode & (isSameOwner ? 07777 : 01777));
 }
 
 void NewFile::TakeTime(const SFileFacts& facts)
 {
-    const timespec times[] = {{0, UTIME_OMIT}, facts.modified}; // of the last access, which stays, and modification
+    const timespec times[] = {facts.accessed, facts.modified}; // both: some file systems ignore a call that omits one
     futimens(handle.Descriptor(), times);
 }
 

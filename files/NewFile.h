@@ -32,12 +32,13 @@ public:
     Transfer CopyRange(const FileHandle& source, qint64 from, qint64 size, const std::function<bool()>& goOn);
     bool Append(const QByteArray& bytes);
 
-    /// Gives it the owner and the group of a file, or the group alone. @return false when it can give neither.
+    /// Gives it the owner and the group of a file, or the group alone, or neither where the group may do no more than
+    /// everybody else. @return false when it must not take that file's place.
     bool TakeOwner(const SFileFacts& facts);
     /// Gives it the extended attributes of a file, access control lists included, and then its permissions; what the
-    /// file system refuses is left out.
+    /// file system refuses is left out, and so are the set-id bits unless owner and group are the same.
     void TakeAttributes(const FileHandle& source, const SFileFacts& facts);
-    /// Gives it the modification time of a file; a refusal by the file system is no failure.
+    /// Gives it the access and modification times of a file; a refusal by the file system is no failure.
     void TakeTime(const SFileFacts& facts);
 
     /// Flushes and closes it. @return false when some of the content may be missing; then it must not appear.
