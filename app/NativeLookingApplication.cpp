@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include <algorithm>
+#include <csignal>
 #include <utility>
 
 NativeLookingApplication::NativeLookingApplication(int& argc, char** argv) : QApplication(argc, argv) {}
@@ -22,6 +23,8 @@ void NativeLookingApplication::Prepare()
     setDesktopFileName(QStringLiteral(ORVANTO_APPLICATION_ID));
     // File names are UTF-8 everywhere today, also where the locale is missing or says otherwise.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+    // Where the user limits the size of files, a write beyond that fails and is put back, like any other.
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 bool NativeLookingApplication::event(QEvent* event)

@@ -13,7 +13,8 @@ class NativeLookingApplication : public QApplication
 public:
     NativeLookingApplication(int& argc, char** argv);
 
-    /// What must be decided before the application object exists: scaling, sharp pictures, the encoding of file names.
+    /// What must be decided before the application object exists: scaling, sharp pictures, the encoding of file names,
+    /// and the one signal that would end the program while it writes.
     static void Prepare();
 
     bool notify(QObject* receiver, QEvent* event) override;

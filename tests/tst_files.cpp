@@ -10,6 +10,7 @@
 #include <fileref.h>
 #include <tag.h>
 
+#include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/xattr.h>
