@@ -10,7 +10,7 @@ virtual_display_packages=(xvfb xauth)
 package_packages=(dpkg-dev file lintian desktop-file-utils appstream imagemagick cmark-gfm)
 check_packages=(git clang clang-format clang-tidy shellcheck)
 
-# install_packages PACKAGE...: installs those that are missing; needs neither the network nor any right when none is.
+# install_packages PACKAGE...: installs those that are missing; if none is, it needs neither the network nor root.
 install_packages() {
     if ! command -v apt-get >/dev/null; then
         # Neither macOS nor another Linux has been tried: this only says what CMake will look for.

@@ -3,7 +3,7 @@ set(CPACK_PACKAGE_NAME orvanto)
 string(REGEX REPLACE "https?://(www\\.)?" "packages@" address ${HOMEPAGE})
 set(CPACK_PACKAGE_CONTACT "Orvanto developers <${address}>")
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_SOURCE_DIR}/build/packages)
-# Installs with the prefix of the package, which the place of the manual follows from, into a folder to pack.
+# The files are installed with the package's own prefix, since the manual's place follows from it.
 set(CPACK_SET_DESTDIR ON)
 set(CPACK_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
@@ -16,10 +16,10 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # It opens web pages, other programs and the manual.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS xdg-utils)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-"Audio files are collected in a list, and folders and file names are made from
-their tags, by one of sixteen layouts and seven ways to name files.
-Orvanto completes the tags, copies each file into the organised tree, deletes
-the originals if wanted, and keeps a log. Profiles keep the settings.
+"Collect audio files in a list, and choose how folders and file names are made
+from their tags: sixteen layouts and seven ways to name files. Orvanto
+completes the tags, copies each file into the organised tree, deletes the
+originals if you ask for it, and keeps a log. Profiles keep the settings.
 
 It reads and writes mp3, mp4, wav, flac, aif, asf, ogg, mpc, spx and wv files.")
 
