@@ -6,11 +6,17 @@
 
 #include <algorithm>
 
+namespace
+{
+constexpr qint64 longestBlock = 1 << 28; // bytes
+} // namespace
+
 EditedFile::EditedFile(const QString& filePath) : path(filePath), original(path, O_RDONLY), facts(original.Facts())
 {
     if (IsOpen() && facts->size > 0) {
         size = facts->size;
         pieces.push_back({0, size, {}});
+        found = pieces.begin();
     }
 }
 
@@ -31,53 +37,61 @@ bool EditedFile::ReadOriginal(qint64 position, char* bytes, qint64 count)
     return true;
 }
 
+/// @return the piece with the byte at @p position; the end of all pieces for the end of the file.
+EditedFile::Pieces::iterator EditedFile::Find(qint64 position)
+{
+    while (position < foundStart)
+        foundStart -= (--found)->size;
+    while (found != pieces.end() && position >= foundStart + found->size)
+        foundStart += (found++)->size;
+    return found;
+}
+
 QByteArray EditedFile::Read(qint64 position, qint64 count)
 {
-    constexpr qint64 longest = 1 << 30; // bytes; only a damaged file makes a parser ask for so many
-    count = qBound<qint64>(0, count, qMin(size - position, longest));
-    if (position < 0 || count == 0)
+    if (position < 0 || position >= size || count <= 0)
         return {};
+    count = std::min(count, size - position);
+    if (count > longestBlock) {
+        valid = false; // only a damaged file makes a parser ask for so many, and it goes by what it gets
+        count = longestBlock;
+    }
     QByteArray bytes(static_cast<int>(count), Qt::Uninitialized);
     qint64 done = 0;
-    qint64 start = 0; // of the piece
-    for (const SPiece& piece : pieces) {
-        const qint64 skipped = position + done - start;
-        start += piece.size;
-        if (skipped >= piece.size)
-            continue;
-        const qint64 part = qMin(piece.size - skipped, count - done);
-        if (piece.IsNew())
+    while (done < count) {
+        const SPiece& piece = *Find(position + done);
+        const qint64 skipped = position + done - foundStart;
+        const qint64 part = std::min(piece.size - skipped, count - done);
+        if (piece.IsNew()) {
             std::copy_n(piece.bytes.constData() + skipped, part, bytes.data() + done);
-        else if (!ReadOriginal(piece.start + skipped, bytes.data() + done, part))
+        } else if (!ReadOriginal(piece.start + skipped, bytes.data() + done, part)) {
             valid = false;
+            return {};
+        }
         done += part;
-        if (done == count || !valid)
-            break;
     }
-    bytes.truncate(static_cast<int>(valid ? done : 0));
     return bytes;
 }
 
-/// Makes a piece begin at @p position, which is not after the end. @return its index.
-std::size_t EditedFile::SplitAt(qint64 position)
+/// Makes a piece begin at @p position, which is not after the end. @return that piece.
+EditedFile::Pieces::iterator EditedFile::SplitAt(qint64 position)
 {
-    std::size_t index = 0;
-    while (index < pieces.size() && position >= pieces[index].size)
-        position -= pieces[index++].size;
-    if (position == 0)
-        return index;
-    SPiece& head = pieces[index];
-    SPiece tail = head;
-    tail.size -= position;
+    const auto tail = Find(position);
+    const qint64 split = position - foundStart;
+    if (split == 0)
+        return tail;
+    SPiece head = *tail;
+    head.size = split;
+    tail->size -= split;
     if (head.IsNew()) {
-        tail.bytes = head.bytes.mid(static_cast<int>(position));
-        head.bytes.truncate(static_cast<int>(position));
+        head.bytes.truncate(static_cast<int>(split));
+        tail->bytes.remove(0, static_cast<int>(split));
     } else {
-        tail.start += position;
+        tail->start += split;
     }
-    head.size = position;
-    pieces.insert(pieces.begin() + static_cast<std::ptrdiff_t>(index) + 1, tail);
-    return index + 1;
+    pieces.insert(tail, head);
+    foundStart = position;
+    return tail;
 }
 
 void EditedFile::Replace(qint64 position, qint64 count, const QByteArray& bytes)
@@ -86,19 +100,40 @@ void EditedFile::Replace(qint64 position, qint64 count, const QByteArray& bytes)
         valid = false;
         return;
     }
-    const auto at = [this](std::size_t index) { return pieces.begin() + static_cast<std::ptrdiff_t>(index); };
-    const std::size_t first = SplitAt(position);
-    const std::size_t last = SplitAt(position + count); // apart: it may move all of them
-    pieces.erase(at(first), at(last));
+    const qint64 end = position + count;
+    SplitAt(position);
+    auto next = SplitAt(end);
+    while (foundStart > position) {
+        foundStart -= std::prev(next)->size;
+        next = pieces.erase(std::prev(next));
+    }
+    found = next;
     size += bytes.size() - count;
     if (bytes.isEmpty())
         return;
-    if (first > 0 && pieces[first - 1].IsNew()) {
-        pieces[first - 1].bytes += bytes;
-        pieces[first - 1].size += bytes.size();
+    if (next != pieces.begin() && std::prev(next)->IsNew()) {
+        std::prev(next)->bytes += bytes;
+        std::prev(next)->size += bytes.size();
     } else {
-        pieces.insert(at(first), {-1, bytes.size(), bytes});
+        pieces.insert(next, {-1, bytes.size(), bytes});
     }
+    foundStart += bytes.size();
+}
+
+std::vector<EditedFile::SKept> EditedFile::KeptRanges() const
+{
+    std::vector<SKept> ranges;
+    qint64 position = 0;
+    for (const SPiece& piece : pieces) {
+        const bool follows = !ranges.empty() && piece.start == ranges.back().start + ranges.back().size &&
+                             position == ranges.back().now + ranges.back().size;
+        if (follows)
+            ranges.back().size += piece.size;
+        else if (!piece.IsNew())
+            ranges.push_back({piece.start, piece.size, position});
+        position += piece.size;
+    }
+    return ranges;
 }
 
 bool EditedFile::IsUntouched() const
@@ -107,18 +142,21 @@ bool EditedFile::IsUntouched() const
     return now && IsUnchanged(*facts, *now);
 }
 
-EditedFile::Saved EditedFile::Save()
+EditedFile::Saved EditedFile::Save(const std::function<bool()>& goOn)
 {
     FileHandle target(path, O_RDWR);
     if (!valid || !target.IsOpen())
         return IsUntouched() ? Saved::NotAtAll : Saved::Overtaken;
-    return KeepsPlaces() ? Patch(target) : Rewrite();
+    if (KeepsPlaces())
+        return Patch(target, goOn);
+    target.Close();
+    return Rewrite(goOn);
 }
 
 /// Whether every range of the file on disk stands where it stood, and no more is cut off than can be put back.
 bool EditedFile::KeepsPlaces() const
 {
-    constexpr qint64 longestTail = 1 << 30; // bytes
+    constexpr qint64 longestTail = 1 << 23; // bytes, which have to be kept in memory
     if (facts->size - size > longestTail)
         return false;
     qint64 position = 0;
@@ -159,7 +197,7 @@ std::vector<EditedFile::SPatch> EditedFile::Patches()
     return patches;
 }
 
-EditedFile::Saved EditedFile::Patch(FileHandle& target)
+EditedFile::Saved EditedFile::Patch(FileHandle& target, const std::function<bool()>& goOn)
 {
     const std::vector<SPatch> patches = Patches();
     const auto now = target.Facts();
@@ -168,8 +206,8 @@ EditedFile::Saved EditedFile::Patch(FileHandle& target)
     if (!valid)
         return Saved::NotAtAll;
     // From the end: where there is no room for more, nothing has been touched yet.
-    const bool written = std::all_of(patches.rbegin(), patches.rend(), [&target](const SPatch& patch) {
-        return target.Write(patch.position, patch.after);
+    const bool written = std::all_of(patches.rbegin(), patches.rend(), [&](const SPatch& patch) {
+        return goOn() && target.Write(patch.position, patch.after);
     });
     if (written && (size >= facts->size || target.Resize(size)) && target.Flush())
         return Saved::Whole;
@@ -180,21 +218,32 @@ EditedFile::Saved EditedFile::Patch(FileHandle& target)
     return Saved::NotAtAll;
 }
 
-EditedFile::Saved EditedFile::Rewrite()
+EditedFile::Saved EditedFile::Rewrite(const std::function<bool()>& goOn)
 {
-    const auto always = [] { return true; };
+    constexpr qint64 step = 1 << 20;                   // bytes
     NewFile copy(QFileInfo(path).canonicalFilePath()); // a link stays one
     bool written = copy.IsOpen();
-    for (const SPiece& piece : pieces) {
-        written = written && (piece.IsNew() ? copy.Append(piece.bytes)
-                                            : copy.CopyRange(original, piece.start, piece.size, always) ==
-                                                  NewFile::Transfer::Done);
+    qint64 position = 0;
+    for (auto piece = Find(0); written && position < size; piece = Find(position)) {
+        if (!piece->IsNew() && piece->size - (position - foundStart) >= step) {
+            const qint64 skipped = position - foundStart;
+            const qint64 length = piece->size - skipped;
+            written = copy.CopyRange(original, piece->start + skipped, length, goOn) == NewFile::Transfer::Done;
+            position += length;
+            continue;
+        }
+        // Many small pieces at once.
+        const QByteArray bytes = Read(position, step);
+        written = goOn() && valid && copy.Append(bytes);
+        position += bytes.size();
     }
     written = written && copy.TakeOwner(*facts);
     if (written) {
         copy.TakeAttributes(original, *facts);
         written = copy.Finish();
     }
+    // Some servers refuse to give a new file the name of one that is open.
+    original.Close();
     // As late as can be: what somebody else writes while we do comes first.
     if (!IsUntouched())
         return Saved::Overtaken;

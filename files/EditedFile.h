@@ -5,6 +5,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
+#include <list>
 #include <vector>
 
 /// A file that is edited in memory, as a list of pieces: ranges of the file on disk, and new bytes. Nothing is written
@@ -32,10 +34,21 @@ public:
     /// Cuts the file off.
     void Truncate(qint64 newSize) { Replace(newSize, size - newSize, {}); }
 
+    /// A range of the file on disk that the edits keep.
+    struct SKept
+    {
+        qint64 start; ///< in the file on disk
+        qint64 size;
+        qint64 now; ///< where it starts after the edits
+    };
+    /// All of them, in order.
+    std::vector<SKept> KeptRanges() const;
+
     /// Writes the edits. Where every range of the file keeps its place, only the bytes that differ are written, into
     /// the file itself, and put back when that fails. Otherwise a new file, whole and with the owner, permissions and
-    /// attributes of the old one, takes its place.
-    Saved Save();
+    /// attributes of the old one, takes its place; the edited file is closed then. @p goOn is asked for every megabyte
+    /// and may end it, with Saved::NotAtAll.
+    Saved Save(const std::function<bool()>& goOn);
 
 private:
     struct SPiece
@@ -51,18 +64,23 @@ private:
         QByteArray before, after;
     };
 
+    using Pieces = std::list<SPiece>; // an edit of 100,000 pages makes twice as many pieces
+
     bool ReadOriginal(qint64 position, char* bytes, qint64 count);
-    std::size_t SplitAt(qint64 position);
+    Pieces::iterator Find(qint64 position);
+    Pieces::iterator SplitAt(qint64 position);
     bool KeepsPlaces() const;
     std::vector<SPatch> Patches();
-    Saved Patch(FileHandle& target);
-    Saved Rewrite();
+    Saved Patch(FileHandle& target, const std::function<bool()>& goOn);
+    Saved Rewrite(const std::function<bool()>& goOn);
     bool IsUntouched() const;
 
     const QString path;
-    const FileHandle original;
+    FileHandle original;
     const std::optional<SFileFacts> facts; ///< when it was opened
-    std::vector<SPiece> pieces;
+    Pieces pieces;
+    Pieces::iterator found = pieces.end(); ///< the piece that was asked for last: the next one is near
+    qint64 foundStart = 0;                 ///< its position
     qint64 size = 0;
     bool valid = true; ///< every read succeeded and every edit was one of what is there
     QByteArray window; ///< a part of the file on disk that was read last

@@ -33,6 +33,7 @@ bool LeadsOut(const QString& outputFolder, const QStringList& folderTags)
 
 ProcessThread::ProcessThread(QObject* parent) : QThread(parent)
 {
+    tagManager.goOn = [this] { return !isInterruptionRequested(); };
     Init();
 }
 

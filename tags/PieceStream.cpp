@@ -1,6 +1,7 @@
 #include "tags/PieceStream.h"
 
 #include <limits>
+#include <stdexcept>
 
 namespace
 {
@@ -10,11 +11,6 @@ qint64 Bounded(Number number)
 {
     constexpr auto most = static_cast<quint64>(std::numeric_limits<qint64>::max());
     return static_cast<qint64>(qMin(static_cast<quint64>(number), most));
-}
-
-QByteArray ToBytes(const TagLib::ByteVector& data)
-{
-    return QByteArray(data.data(), static_cast<int>(data.size()));
 }
 } // namespace
 
@@ -27,19 +23,30 @@ TagLib::ByteVector PieceStream::readBlock(Length length)
 
 void PieceStream::writeBlock(const TagLib::ByteVector& data)
 {
-    file.Replace(position, qMin<qint64>(data.size(), file.Size() - position), ToBytes(data));
+    Replace(position, qMin<qint64>(data.size(), file.Size() - position), data);
     position += data.size();
 }
 
 void PieceStream::insert(const TagLib::ByteVector& data, Start start, Length replace)
 {
-    file.Replace(Bounded(start), Bounded(replace), ToBytes(data));
+    Replace(Bounded(start), Bounded(replace), data);
     position = Bounded(start) + data.size();
 }
 
 void PieceStream::removeBlock(Start start, Length length)
 {
-    file.Replace(Bounded(start), Bounded(length), {});
+    Replace(Bounded(start), Bounded(length), {});
+}
+
+void PieceStream::Replace(qint64 start, qint64 count, const TagLib::ByteVector& data)
+{
+    constexpr qint64 most = 1 << 28; // bytes
+    newBytes += data.size();
+    if (newBytes > most)
+        throw std::length_error("an edit of more than 256 MiB");
+    if (!goOn())
+        throw std::runtime_error("the edit was stopped");
+    file.Replace(start, count, QByteArray(data.data(), static_cast<int>(data.size())));
 }
 
 void PieceStream::seek(Offset offset, Position from)

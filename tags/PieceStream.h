@@ -8,7 +8,10 @@
 #include <taglib.h>
 #include <tiostream.h>
 
-/// What TagLib reads an audio file through and edits it in: every edit stays in memory until Save().
+#include <functional>
+
+/// What TagLib reads an audio file through and edits it in: every edit stays in memory until File() is saved. An edit
+/// throws when it is told not to go on, or is of more than 256 MiB, as only a damaged file makes TagLib ask for.
 class PieceStream : public TagLib::IOStream
 {
 public:
@@ -22,11 +25,15 @@ public:
     using Offset = long;
 #endif
 
-    explicit PieceStream(const QString& path) : file(path) {}
+    using GoOn = std::function<bool()>;
+    explicit PieceStream(
+        const QString& path, const GoOn& mayGoOn = [] { return true; })
+        : file(path), goOn(mayGoOn)
+    {}
 
-    EditedFile::Saved Save()
+    EditedFile& File()
     {
-        return file.Save();
+        return file;
     }
 
     /// The name by which TagLib chooses a type. Without one, it asks the content.
@@ -66,7 +73,11 @@ public:
     }
 
 private:
+    void Replace(qint64 start, qint64 count, const TagLib::ByteVector& data);
+
     EditedFile file;
+    const GoOn goOn;
     QByteArray typeName;
     qint64 position = 0;
+    qint64 newBytes = 0; ///< how many were written so far
 };

@@ -125,7 +125,7 @@ bool TagManager::SetTags(const TagValues& values) const
 {
     constexpr int attempts = 3;
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        PieceStream stream(StoredPath(path));
+        PieceStream stream(StoredPath(path), goOn);
         TagLib::FileRef file = CreateFileRef(stream, false);
         TagLib::Tag* const tag = TagOf(file);
         if (!tag)
@@ -140,7 +140,7 @@ bool TagManager::SetTags(const TagValues& values) const
         }
         // What TagLib itself could not read afterwards is not saved: a text too long for its format, for example.
         if (!changed || !file.save() || !TagOf(CreateFileRef(stream, false)) ||
-            stream.Save() != EditedFile::Saved::Overtaken)
+            stream.File().Save(goOn) != EditedFile::Saved::Overtaken)
             break;
     }
     return true;

@@ -2,6 +2,7 @@
 
 #include "tags/SAudioFile.h"
 
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -21,6 +22,9 @@ class TagManager
 public:
     /// The file to work on; assign another path to go on with another file.
     QString path;
+
+    /// Asked again and again while a file is saved; once it says no, the file stays as it was.
+    std::function<bool()> goOn = [] { return true; };
 
     /// Opens the file of @p stream, which has to outlive the result. The content decides the type, because downloads
     /// often have the wrong extension; the extension decides where the content says nothing. A file that begins with
