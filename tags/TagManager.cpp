@@ -1,15 +1,17 @@
 #include "tags/TagManager.h"
 
+#include "files/FilePath.h"
+#include "tags/AudioSignature.h"
 #include "tags/PieceStream.h"
 #include "tags/TagTextRules.h"
 
-#include <QFile>
 #include <QFileInfo>
 
 #include <fileref.h>
 #include <tag.h>
 
 #include <algorithm>
+#include <exception>
 
 namespace
 {
@@ -76,20 +78,24 @@ bool BeginsWithZerosOnly(PieceStream& stream)
     return block == blocks;
 }
 
-/// The name of a type for a file that begins as a container; empty for others. TagLib would take MPEG sound that it
-/// finds near the beginning of one for the whole file.
-const char* ContainerName(PieceStream& stream)
-{
-    const TagLib::ByteVector head = stream.readBlock(12);
-    stream.seek(0);
-    if (head.startsWith("RIFF") && head.containsAt("WAVE", 8))
-        return ".wav";
-    return head.containsAt("ftyp", 4) ? ".mp4" : "";
-}
-
 TagLib::Tag* TagOf(const TagLib::FileRef& file)
 {
     return file.isNull() ? nullptr : file.tag();
+}
+
+/// All six tags; what each reads as where there is no tag.
+SAudioFile Record(const TagLib::Tag* tag)
+{
+    SAudioFile record;
+    for (const STagAccess& access : tagAccess)
+        record.*FieldOf(access.index) = tag ? Read(*tag, access) : unknownTag;
+    return record;
+}
+
+bool HaveSameTags(const SAudioFile& one, const SAudioFile& other)
+{
+    return std::all_of(allTags.begin(), allTags.end(),
+                       [&](const STag& tag) { return one.*tag.field == other.*tag.field; });
 }
 } // namespace
 
@@ -98,22 +104,19 @@ TagLib::FileRef TagManager::CreateFileRef(PieceStream& stream, bool readAudioPro
     stream.seek(0);
     if (!stream.isOpen() || BeginsWithZerosOnly(stream))
         return TagLib::FileRef();
-    stream.SetName(ContainerName(stream));
-    const TagLib::FileRef byContent(&stream, readAudioProperties, TagLib::AudioProperties::Average);
-    if (!byContent.isNull())
-        return byContent;
-    stream.seek(0);
-    stream.SetName(QFile::encodeName(path));
-    return TagLib::FileRef(&stream, readAudioProperties, TagLib::AudioProperties::Average);
+    const SFoundSignature found = FindSignature(stream.File());
+    if (!found.signature) {
+        stream.SetName(ExtensionOf(path) == QLatin1String("mp3") ? ".mp3" : "");
+        return TagLib::FileRef(&stream, readAudioProperties);
+    }
+    if (found.signature->isBelieved && !found.Layout(stream.File()))
+        return TagLib::FileRef();
+    return TagLib::FileRef(found.signature->open(stream, readAudioProperties));
 }
 
 QString TagManager::GetInfo(int index) const
 {
-    const STagAccess* const access = AccessTo(index);
-    PieceStream stream(StoredPath(path));
-    const TagLib::FileRef file = CreateFileRef(stream, true);
-    const TagLib::Tag* const tag = TagOf(file);
-    return tag && access ? Read(*tag, *access) : unknownTag;
+    return AccessTo(index) ? ReadTags().*FieldOf(index) : unknownTag;
 }
 
 bool TagManager::SetInfo(int index, const QString& text) const
@@ -124,38 +127,62 @@ bool TagManager::SetInfo(int index, const QString& text) const
 bool TagManager::SetTags(const TagValues& values) const
 {
     constexpr int attempts = 3;
-    for (int attempt = 0; attempt < attempts; ++attempt) {
-        PieceStream stream(StoredPath(path), goOn);
-        TagLib::FileRef file = CreateFileRef(stream, false);
-        TagLib::Tag* const tag = TagOf(file);
-        if (!tag)
-            return false;
-        bool changed = false;
-        for (const auto& [index, text] : values) {
-            const STagAccess& access = *AccessTo(index);
-            if (Read(*tag, access) == text)
-                continue;
-            Write(*tag, access, text);
-            changed = true;
+    bool hasTags = false;
+    try {
+        for (int attempt = 0; attempt < attempts; ++attempt) {
+            PieceStream stream(StoredPath(path), goOn);
+            const TagLib::FileRef file = CreateFileRef(stream, false);
+            hasTags = TagOf(file);
+            if (!hasTags || !Edit(stream, file, values) || stream.File().Save(goOn) != EditedFile::Saved::Overtaken)
+                break;
         }
-        // What TagLib itself could not read afterwards is not saved: a text too long for its format, for example.
-        if (!changed || !file.save() || !TagOf(CreateFileRef(stream, false)) ||
-            stream.File().Save(goOn) != EditedFile::Saved::Overtaken)
-            break;
+    } catch (const std::exception&) {
+        // Damaged files make TagLib ask for more than there is.
     }
-    return true;
+    return hasTags;
+}
+
+/// Edits @p file, still in memory. @return whether that changes anything and is proven to do no harm.
+bool TagManager::Edit(PieceStream& stream, TagLib::FileRef file, const TagValues& values) const
+{
+    TagLib::Tag& tag = *file.tag();
+    bool changed = false;
+    for (const auto& [index, text] : values) {
+        const STagAccess& access = *AccessTo(index);
+        if (Read(tag, access) == text)
+            continue;
+        Write(tag, access, text);
+        changed = true;
+    }
+    if (!changed)
+        return false;
+    const auto layoutOf = [](EditedFile& content) { return FindSignature(content).Layout(content); };
+    const auto before = layoutOf(stream.File());
+    if (!before || !file.save())
+        return false;
+    if (const auto edited = layoutOf(stream.File()))
+        CorrectOffsets(*before, *edited, stream.File());
+    const auto now = layoutOf(stream.File());
+    return now && HasMovedWhole(*before, *now, stream.File()) &&
+           HaveSameTags(Record(&tag), Record(TagOf(CreateFileRef(stream, false))));
+}
+
+SAudioFile TagManager::ReadTags() const
+{
+    try {
+        PieceStream stream(StoredPath(path));
+        const TagLib::FileRef file = CreateFileRef(stream, true);
+        return Record(TagOf(file));
+    } catch (const std::exception&) {
+        return Record(nullptr);
+    }
 }
 
 SAudioFile TagManager::ReadFile(const QString& filePath)
 {
     path = filePath;
-    PieceStream stream(StoredPath(path));
-    const TagLib::FileRef file = CreateFileRef(stream, true);
-    const TagLib::Tag* const tag = TagOf(file);
-    SAudioFile record;
+    SAudioFile record = ReadTags();
     record.Path = filePath;
-    for (const STagAccess& access : tagAccess)
-        record.*FieldOf(access.index) = tag ? Read(*tag, access) : unknownTag;
     return record;
 }
 

@@ -15,8 +15,8 @@ class FileRef;
 /// Tags by their Tag::Index, and the texts to write into them.
 using TagValues = std::vector<std::pair<int, QString>>;
 
-/// Reads and writes the six tags of one audio file through TagLib, which nothing but this class and its stream uses. No
-/// file stays open between calls. One object serves one thread.
+/// Reads and writes the six tags of one audio file through TagLib. No file stays open between calls, and no exception
+/// leaves it. One object serves one thread.
 class TagManager
 {
 public:
@@ -26,9 +26,10 @@ public:
     /// Asked again and again while a file is saved; once it says no, the file stays as it was.
     std::function<bool()> goOn = [] { return true; };
 
-    /// Opens the file of @p stream, which has to outlive the result. The content decides the type, because downloads
-    /// often have the wrong extension; the extension decides where the content says nothing. A file that begins with
-    /// 4 MiB of zeros, made by a program that has yet to fill it, has no type: TagLib would search all of it.
+    /// Opens the file of @p stream, which has to outlive the result. Its signature decides the type, because downloads
+    /// often have the wrong extension. A file without one is MPEG sound when its name says so, else what TagLib finds
+    /// in it. Where sizes in the file contradict each other and TagLib would believe them, or the first 4 MiB are zeros
+    /// that a program has yet to fill, it has no type.
     TagLib::FileRef CreateFileRef(PieceStream& stream, bool readAudioProperties) const;
 
     /// The tag with this Tag::Index as text. "Unknown" for a file that cannot be read or has no tags, and for any
@@ -42,7 +43,8 @@ public:
     /// 0. A tag that already reads as its text is left alone, so that what plain text cannot express survives: a full
     /// date where the year is, "3/12" where the track is, several artists.
     /// @return false when the file cannot be opened or has no tags. Whether the save succeeded is not reported by
-    /// design; a file that cannot be saved whole is left as it was.
+    /// design. A file that cannot be saved whole is left as it was, and so is one whose edit is not proven to keep the
+    /// sound, and all that says where it is, and to read as it should.
     bool SetTags(const TagValues& values) const;
 
     /// The whole record of the file at @p filePath, from one opening; the same texts as six calls of GetInfo().
@@ -50,4 +52,8 @@ public:
 
     /// Writes all six tags of @p file into the file at its path, as by SetInfo() for each, but saves it once.
     void WriteFile(const SAudioFile& file);
+
+private:
+    bool Edit(PieceStream& stream, TagLib::FileRef file, const TagValues& values) const;
+    SAudioFile ReadTags() const;
 };

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "tags/PieceStream.h"
+#include "tags/SoundLayout.h"
+
+namespace TagLib
+{
+class File;
+}
+
+/// A type of audio file that says what it is: the bytes that it begins with are final, whatever its name says.
+struct SAudioSignature
+{
+    QLatin1String bytes; ///< "?" stands for any byte
+    TagLib::File* (*open)(PieceStream& stream, bool readAudioProperties);
+    std::optional<SSoundLayout> (*layout)(EditedFile& file, qint64 start);
+    bool isBelieved = false; ///< TagLib hangs, or worse, on files of this type that have no layout
+};
+
+/// What a file is by its own bytes.
+struct SFoundSignature
+{
+    const SAudioSignature* signature; ///< null when it has none
+    qint64 start;                     ///< behind leading ID3v2 tags
+
+    /// The layout by this signature; of a file without one, as for MPEG, which has none.
+    std::optional<SSoundLayout> Layout(EditedFile& file) const;
+};
+
+SFoundSignature FindSignature(EditedFile& file);
