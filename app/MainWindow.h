@@ -115,7 +115,7 @@ private:
 
     void FillList(const std::function<void()>& add);
     void AddPaths(const QStringList& paths);
-    void AddFolder(QString folder, bool recursive);
+    void AddFolder(const QString& folder, bool recursive);
     void AddFilesToList(const QStringList& files);
     void SynchronizeListAudioFiles(bool showProgress);
     void LookBusy(const QString& status);

@@ -5,7 +5,7 @@
 #include "dialogs/DialogSearch.h"
 #include "dialogs/Prompts.h"
 #include "files/FilePath.h"
-#include "files/FolderEntries.h"
+#include "files/FolderWalk.h"
 #include "platform/UserSettings.h"
 #include "tags/AudioTypes.h"
 #include "ui_MainWindow.h"
@@ -103,21 +103,10 @@ void MainWindow::FillList(const std::function<void()>& add)
 }
 
 /// Adds the files of @p folder, smallest first, then those of its subfolders in the same order.
-void MainWindow::AddFolder(QString folder, bool recursive)
+void MainWindow::AddFolder(const QString& folder, bool recursive)
 {
-    if (folder.isEmpty() || stopping)
-        return;
-    folder = WithForwardSlashes(folder);
-    if (!folder.endsWith(QLatin1Char('/')))
-        folder += QLatin1Char('/');
-
-    const auto goOn = [this] { return Pump(); };
-    AddFilesToList(EntriesBySize(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks, goOn));
-    if (!recursive)
-        return;
-    // Links to folders are followed, hidden folders are not entered: on purpose.
-    for (const QString& subfolder : EntriesBySize(folder, QDir::Dirs | QDir::NoDotAndDotDot, goOn))
-        AddFolder(subfolder, true);
+    WalkFolder(
+        folder, recursive, [this](const QStringList& files) { AddFilesToList(files); }, [this] { return Pump(); });
 }
 
 /// Reads and appends those of @p files that are of an accepted type and not listed yet.

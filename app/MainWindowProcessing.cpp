@@ -91,21 +91,12 @@ void MainWindow::ReportRun()
         Warn(tr("Could not save log."));
         return;
     }
-    const bool stopped = worker.end == RunEnd::Interrupted;
-    QString report;
-    if (worker.failedPaths.isEmpty()) {
-        // Abort ends a run successfully, too, by our decision.
-        const QString sentence = stopped ? tr("Operation stopped.") : tr("Operation finished successfully!");
-        Inform(sentence);
-        report = sentence + QLatin1Char('\n');
-    } else {
-        report = (stopped ? tr("Operation stopped.\n\n") : QString()) + worker.failureText;
-        Warn(report +
-                 tr("\nOrvanto could not fix the invalid tags. For better results try to manually edit the tags or "
-                    "try a different organize/rename pattern."),
-             tr("Log"));
-    }
-    AppendToFile(RunLogPath(), RunLogBlock(QDateTime::currentDateTime(), report));
+    const SRunReport report = ReportOf(worker.end, worker.failedPaths.isEmpty() ? QString() : worker.failureText);
+    if (report.failed)
+        Warn(report.shown, tr("Log"));
+    else
+        Inform(report.shown);
+    AppendToFile(RunLogPath(), RunLogBlock(QDateTime::currentDateTime(), report.logged));
 }
 
 /// Lists the files that the run has left, with their tags as they are on disk now.

@@ -45,7 +45,7 @@ ProcessThread::~ProcessThread()
 
 void ProcessThread::Init()
 {
-    failureText = QStringLiteral("Could not copy the following:\n\n");
+    failureText = failureHeading;
     waitingForDialog = false;
     dialogResult = -1;
     outputPaths.clear();

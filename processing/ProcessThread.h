@@ -2,6 +2,7 @@
 
 #include "naming/SRunSettings.h"
 #include "processing/OriginalsDeletion.h"
+#include "processing/RunLog.h"
 #include "tags/SAudioFile.h"
 #include "tags/TagManager.h"
 
@@ -12,13 +13,6 @@
 
 #include <atomic>
 #include <vector>
-
-/// How a run ended.
-enum class RunEnd {
-    Complete,
-    Aborted,    ///< by the user, in the tag editor
-    Interrupted ///< on request
-};
 
 /// The worker: one run over its own copy of the file list. It repairs and writes tags, copies every file into the
 /// output tree and may delete the originals. Fill `files` and `settings`, start it, and read the results once it has

@@ -1,4 +1,6 @@
-#include "files/FolderEntries.h"
+#include "files/FolderWalk.h"
+
+#include "files/FilePath.h"
 
 #include <QDirIterator>
 #include <QFileInfo>
@@ -8,6 +10,10 @@
 #include <utility>
 #include <vector>
 
+namespace
+{
+/// The paths of the entries of @p folder, which ends in "/", in the order of QDir::Size | QDir::Reversed: the smallest
+/// first, of equal ones the last name. QDir itself would not let go while it reads. Nothing after a no.
 QStringList EntriesBySize(const QString& folder, QDir::Filters filters, const std::function<bool()>& goOn)
 {
     constexpr std::size_t entriesPerTurn = 1000;
@@ -29,4 +35,21 @@ QStringList EntriesBySize(const QString& folder, QDir::Filters filters, const st
     for (const auto& [size, name] : entries)
         paths += folder + name;
     return paths;
+}
+} // namespace
+
+void WalkFolder(const QString& folder, bool recursive, const std::function<void(const QStringList&)>& found,
+                const std::function<bool()>& goOn)
+{
+    if (folder.isEmpty() || !goOn())
+        return;
+    QString path = WithForwardSlashes(folder);
+    if (!path.endsWith(QLatin1Char('/')))
+        path += QLatin1Char('/');
+
+    found(EntriesBySize(path, QDir::Files | QDir::Hidden | QDir::NoSymLinks, goOn));
+    if (!recursive)
+        return;
+    for (const QString& subfolder : EntriesBySize(path, QDir::Dirs | QDir::NoDotAndDotDot, goOn))
+        WalkFolder(subfolder, true, found, goOn);
 }
