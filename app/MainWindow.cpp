@@ -48,7 +48,7 @@ void MainWindow::ChangeTheme()
 
     const QColor accent(0x07, 0xD3, 0x3A);
     const QColor dark(0x42, 0x42, 0x42);
-    // The garish colours are on purpose: whatever shows them uses a role that this theme does not.
+    // The garish colours show at once when something uses a role that this theme does not expect.
     const std::pair<QPalette::ColorRole, QColor> colors[] = {
         {QPalette::Window, dark},
         {QPalette::WindowText, Qt::white},
@@ -104,6 +104,7 @@ void MainWindow::Init()
     extensions = AudioExtensions();
     resize(startSize);
     setAcceptDrops(true);
+    // People listen in the player of their choice, by a double-click. To show ours, drop this.
     for (QWidget* hidden : std::initializer_list<QWidget*>{ui->groupAudioPlayer, ui->buttonPlay, ui->buttonStop})
         hidden->hide();
     // Six short tags are seen whole in any font.

@@ -164,8 +164,9 @@ private:
     QString profilePath;  ///< of the profile last saved or loaded; empty when there is none
     bool loading = false; ///< a profile is being loaded: changes of settings do not count as the user's
     Activity activity = Activity::Idle;
-    std::unique_ptr<ActivityGuard> run; ///< from Start until the list is reloaded
-    QPointer<QDialog> stopQuestion;     ///< while it stands
-    bool stopping = false;              ///< the user wants the activity to end: every loop that pumps events does
-    bool quitting = false;              ///< the user wants to leave
+    std::unique_ptr<ActivityGuard>
+        run;                        ///< from Start until the list is reloaded; after `ui`, which its end still needs
+    QPointer<QDialog> stopQuestion; ///< while it stands
+    bool stopping = false;          ///< the user wants the activity to end: every loop that pumps events does
+    bool quitting = false;          ///< the user wants to leave
 };

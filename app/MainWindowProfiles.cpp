@@ -72,8 +72,8 @@ void MainWindow::on_actionLoad_Profile_triggered()
 {
     if (!MayOverwriteSettings())
         return;
-    // From here on only a successful load clears the flag: after a cancelled or failed one, changes of settings go
-    // unmarked until a profile is loaded. On purpose.
+    // Whoever asks for a profile has given the present settings up. So only a successful load clears the flag: after a
+    // cancelled or failed one, changes of settings go unmarked until a profile is loaded.
     loading = true;
     const QString path = QFileDialog::getOpenFileName(this, tr("Load profile"), ProfileFolder(), ProfileFilter());
     if (!path.isEmpty())

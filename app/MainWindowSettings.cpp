@@ -107,7 +107,7 @@ void MainWindow::on_buttonBrowseOutFold_clicked()
         UpdateOutputPreview();
         OpenSettings().setValue(SettingsKey::outputFolder, folder);
     }
-    SignalSettingsChanged(); // a cancelled dialog counts as a change, too, on purpose
+    SignalSettingsChanged(); // after Cancel, too: a mark too many loses nothing
 }
 
 /// The name of the selected file in the preview; empty when none is selected.

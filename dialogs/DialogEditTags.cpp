@@ -118,7 +118,7 @@ int DialogEditTags::exec()
 
 void DialogEditTags::closeEvent(QCloseEvent* event)
 {
-    // Closing the window skips the file; only Abort and Escape end the run, on purpose.
+    // Closing the window skips the file: a stray click must not end a long run, as Abort and Escape do.
     accept();
     event->accept();
 }

@@ -15,6 +15,7 @@ struct SOrganizeChoice
     std::array<TagField, 3> levels;
 };
 
+/// Append rows only: profiles store the index.
 constexpr std::array<SOrganizeChoice, 16> organizeChoices{{
     {"Don't organize", {}},
     {"Artist", {&SAudioFile::Artist}},
@@ -44,6 +45,7 @@ struct SRenameChoice
 
 constexpr int originalNameIndex = 0;
 constexpr int customRenameIndex = 6;
+/// Append rows only: profiles store the index.
 constexpr std::array<SRenameChoice, 7> renameChoices{{
     {"Original name", nullptr},
     {"Title", "[Title]"},

@@ -20,7 +20,8 @@ struct SAudioFile
 
 using TagField = QString SAudioFile::*;
 
-/// The numbers by which single tags are addressed everywhere. They differ on purpose from the record's field order.
+/// The numbers by which single tags are addressed everywhere: the order in which they are shown, not that of the
+/// record's fields.
 namespace Tag
 {
 enum Index { Artist = 1, Title, Album, Year, Genre, Track };

@@ -4,7 +4,8 @@
 
 #include <QString>
 
-/// Whether @p text carries a web address: spam, to be erased. Case-sensitive and a plain substring test on purpose.
+/// Whether @p text carries a web address: spam, to be erased. A plain, case-sensitive substring test, so that users can
+/// foresee what it takes; spam comes in small letters.
 bool IsInvalidTag(const QString& text);
 
 /// Empties the invalid tags of @p file. @return whether there were any.
