@@ -28,6 +28,14 @@ const QMap<QByteArray, QStringList> menus{{"buttonAdd", {"File(s)", "Folder", "F
                                           {"buttonRemove", {"Selected", "All"}},
                                           {"row", {"Edit Tags", "Batch Edit Tags", "-", "Remove"}}};
 
+/// The step of the test under way.
+struct
+{
+    QString act;
+    const char* file = __FILE__;
+    int line = __LINE__;
+} step;
+
 /// Whether a caption, where it is one, is not drawn whole.
 bool IsCut(const QWidget& caption)
 {
@@ -47,6 +55,28 @@ QString Name(QWidget* widget)
 }
 
 } // namespace
+
+void AtStep(const QString& act, const char* file, int line)
+{
+    step = {act, file, line};
+}
+
+bool Demand(bool ok, const QString& otherwise)
+{
+    if (!ok && !QTest::currentTestFailed())
+        QTest::qFail(qPrintable(step.act + ": " + otherwise), step.file, step.line);
+    return ok;
+}
+
+void DemandSeen(QStringList seen, const QString& expected)
+{
+    QStringList missing;
+    for (const QString& line : expected.split("; ", Qt::SkipEmptyParts)) {
+        if (!seen.removeOne(line))
+            missing += line;
+    }
+    Demand(seen.isEmpty() && missing.isEmpty(), "not expected: " + seen.join("; ") + " missing: " + missing.join("; "));
+}
 
 QString Ring(const QWidget& window)
 {
@@ -99,7 +129,7 @@ QStringList Paths(const QString& text)
 void Click(const QObject& parent, const char* button)
 {
     auto* const widget = Child<QWidget>(parent, button);
-    QVERIFY2(widget->isEnabled() && widget->isVisible(), button);
+    Demand(widget->isEnabled() && widget->isVisible(), button + QString(" takes no clicks"));
     // A check box reacts on its indicator and text only, which lie to the left; a link is in the middle.
     const int x = widget->width() / 2;
     QTest::mouseClick(widget, Qt::LeftButton, {},
@@ -109,7 +139,7 @@ void Click(const QObject& parent, const char* button)
 void Choose(const QObject& parent, const char* comboBox, int index)
 {
     auto* const box = Child<QComboBox>(parent, comboBox);
-    QVERIFY2(box->isEnabled() && index < box->count(), comboBox);
+    Demand(box->isEnabled() && index < box->count(), comboBox + QString(" has no such choice"));
     box->showPopup();
     box->view()->setCurrentIndex(box->model()->index(index, 0));
     QAbstractItemView& list = *box->view();
@@ -122,7 +152,8 @@ void Type(const QObject& parent, const char* lineEdit, const QString& text)
     auto* const edit = Child<QLineEdit>(parent, lineEdit);
     edit->selectAll();
     QTest::keyClick(edit, Qt::Key_Delete);
-    QTest::keyClicks(edit, text);
+    for (const QChar letter : text) // keyClicks() knows no others than those of ASCII
+        QTest::sendKeyEvent(QTest::Click, edit, Qt::Key_unknown, letter, {});
 }
 
 void DropOn(QWidget& window, const QStringList& paths)
@@ -134,34 +165,21 @@ void DropOn(QWidget& window, const QStringList& paths)
     data.setUrls(urls);
     QDragEnterEvent enter({9, 9}, Qt::MoveAction, &data, Qt::LeftButton, {});
     QApplication::sendEvent(&window, &enter);
-    QVERIFY(enter.isAccepted());
+    Demand(enter.isAccepted(), "the window takes no files");
     QDropEvent drop({9, 9}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::ShiftModifier);
-    QCOMPARE(drop.proposedAction(), Qt::MoveAction);
     QApplication::sendEvent(&window, &drop);
-    QCOMPARE(drop.dropAction(), Qt::CopyAction);
+    DemandSame("what is done with dropped files", drop.dropAction(), Qt::CopyAction);
 }
 
-void Act(QWidget& window, const QString& act, QList<Answer> answers)
+void Do(QWidget& window, const QString& act)
 {
     const QByteArray name = act.section(' ', 0, 0).toLatin1();
     const QString rest = act.section(' ', 1);
-    if (menus.contains(name))
-        answers.prepend(Entry(menus[name], name == "row" ? rest.section(' ', 1) : rest));
-    Answers dialogs(answers);
-    if (name == "drop") {
-        DropOn(window, Paths(rest));
-    } else if (name == "press" || name == "row") {
-        auto& list = *Child<QListWidget>(window, "listAudioFiles");
-        const QPoint place = list.visualItemRect(list.item(rest.section(' ', 0, 0).toInt())).center();
-        QCursor::setPos(list.viewport()->mapToGlobal(place));
-        QTest::mouseClick(list.viewport(), name == "row" ? Qt::RightButton : Qt::LeftButton, {}, place);
-        QContextMenuEvent wanted(QContextMenuEvent::Mouse, place, QCursor::pos()); // follows from the system
-        if (name == "row")
-            QApplication::sendEvent(list.viewport(), &wanted);
-    } else if (name == "close") {
+    if (name == "close") {
         window.close();
-    } else if (name.startsWith("action")) {
-        Child<QAction>(window, name)->trigger();
+    } else if (name == "keys") {
+        for (const QString& key : rest.split(' '))
+            QTest::keySequence(window.focusWidget(), QKeySequence(key));
     } else if (name.startsWith("combo")) {
         Choose(window, name, rest.toInt());
     } else if (name.startsWith("edit")) {
@@ -169,8 +187,43 @@ void Act(QWidget& window, const QString& act, QList<Answer> answers)
     } else {
         Click(window, name);
     }
+}
+
+void Act(QWidget& window, const QString& act, QList<Answer> answers)
+{
+    step.act = act;
+    const QByteArray name = act.section(' ', 0, 0).toLatin1();
+    const QString rest = act.section(' ', 1);
+    if (menus.contains(name))
+        answers.prepend(Entry(menus[name], name == "row" ? rest.section(' ', 1) : rest));
+    Answers dialogs(answers);
+    auto& list = *Child<QListWidget>(window, "listAudioFiles");
+    const auto place = [&](int word) {
+        return list.visualItemRect(list.item(rest.section(' ', word, word).toInt())).center();
+    };
+    if (name == "drop") {
+        DropOn(window, Paths(rest));
+    } else if (name == "press" || name == "row") {
+        QCursor::setPos(list.viewport()->mapToGlobal(place(0)));
+        QTest::mouseClick(list.viewport(), name == "row" ? Qt::RightButton : Qt::LeftButton, {}, place(0));
+        QContextMenuEvent wanted(QContextMenuEvent::Mouse, place(0), QCursor::pos()); // follows from the system
+        if (name == "row")
+            QApplication::sendEvent(list.viewport(), &wanted);
+    } else if (name == "double") {
+        QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, place(0));
+    } else if (name == "drag") {
+        QTest::mousePress(list.viewport(), Qt::LeftButton, {}, place(0));
+        QMouseEvent drag(QEvent::MouseMove, place(1), list.viewport()->mapToGlobal(place(1)), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QApplication::sendEvent(list.viewport(), &drag);
+        QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, place(1));
+    } else if (name.startsWith("action")) {
+        Child<QAction>(window, name)->trigger();
+    } else {
+        Do(window, menus.contains(name) ? name : act);
+    }
     const auto isOver = [&] { return !window.isVisible() || Child<QWidget>(window, "buttonOrganize")->isEnabled(); };
-    QVERIFY2(QTest::qWaitFor(isOver, patience), qPrintable(act));
+    Demand(QTest::qWaitFor(isOver, patience), "the window does not become idle");
     dialogs.Finish();
 }
 
@@ -184,6 +237,12 @@ Outside::~Outside()
 {
     for (const char* scheme : {"http", "file"})
         QDesktopServices::unsetUrlHandler(QString::fromLatin1(scheme));
+}
+
+void Outside::Open(const QUrl& url)
+{
+    const QString home = QUrl::fromLocalFile(QDir::homePath()).toString(QUrl::FullyEncoded);
+    opened += url.toString(QUrl::FullyEncoded).replace(home, "file://~");
 }
 
 Answers::Answers(QList<Answer> inOrder) : answers(std::move(inOrder))
@@ -207,15 +266,15 @@ bool Answers::eventFilter(QObject* receiver, QEvent* event)
 
 Answers::~Answers()
 {
-    if (!answers.isEmpty())
-        QTest::qFail("A dialog that was expected did not come up.", __FILE__, __LINE__);
+    Demand(answers.isEmpty(), "a dialog that was expected did not come up");
 }
 
 void Answers::Finish()
 {
     // Not QTRY_VERIFY, which waits three times as long for what fails.
     const auto isOver = [this] { return answers.isEmpty() && !QApplication::activeModalWidget(); };
-    QVERIFY(QTest::qWaitFor(isOver, patience));
+    const bool inTime = QTest::qWaitFor(isOver, patience);
+    Demand(inTime, answers.isEmpty() ? "a dialog stays open" : "a dialog that was expected did not come up");
 }
 
 void Answers::Look()
@@ -227,10 +286,9 @@ void Answers::Look()
     if (shown == answered && ++ticks < ticksToClose)
         return;
     if (shown == answered || answers.isEmpty()) {
-        QTest::qFail(qPrintable("A dialog is in the way: " + shown->windowTitle() + " " +
-                                shown->metaObject()->className() +
-                                (qobject_cast<QMessageBox*>(shown) ? qobject_cast<QMessageBox*>(shown)->text() : "")),
-                     __FILE__, __LINE__);
+        Demand(false,
+               QString("a dialog is in the way: %1 %2 %3")
+                   .arg(shown->metaObject()->className(), shown->windowTitle(), shown->property("text").toString()));
         answers.clear();
         shown->close();
         return;
@@ -246,7 +304,8 @@ Answer Entry(const QStringList& allEntries, const QString& entry)
 {
     return [=](QWidget* shown) {
         auto* const menu = qobject_cast<QMenu*>(shown);
-        QVERIFY2(menu, shown->metaObject()->className());
+        if (!Demand(menu, "no menu, but a " + QString(shown->metaObject()->className())))
+            return;
         QStringList entries;
         QAction* chosen = nullptr;
         for (QAction* const action : menu->actions()) {
@@ -254,7 +313,7 @@ Answer Entry(const QStringList& allEntries, const QString& entry)
             if (action->text() == entry)
                 chosen = action;
         }
-        QCOMPARE(entries, allEntries);
+        DemandSame("menu", entries.join('|'), allEntries.join('|'));
         if (chosen)
             QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(chosen).center());
         else
@@ -267,16 +326,17 @@ Answer Box(QMessageBox::Icon icon, const QString& text, QMessageBox::StandardBut
 {
     return [=](QWidget* shown) {
         auto* const box = qobject_cast<QMessageBox*>(shown);
-        QVERIFY2(box, shown->metaObject()->className());
-        QCOMPARE(box->text(), text);
-        QCOMPARE(box->windowTitle(), title);
-        QCOMPARE(box->windowHandle()->title(), title.isEmpty() ? "Orvanto" : title);
-        QCOMPARE(box->icon(), icon);
-        QCOMPARE(box->standardButtons(), buttons);
-        QCOMPARE(box->textFormat(), Qt::PlainText);
-        QVERIFY(!box->parent());
-        if (buttons & QMessageBox::Yes)
-            QCOMPARE(box->defaultButton(), box->button(QMessageBox::Yes));
+        if (!Demand(box, "no message box, but a " + QString(shown->metaObject()->className())))
+            return;
+        DemandSame("text", box->text(), text);
+        DemandSame("title", box->windowTitle(), title);
+        DemandSame("title on the screen", box->windowHandle()->title(), title.isEmpty() ? "Orvanto" : title);
+        DemandSame("icon", box->icon(), icon);
+        DemandSame("buttons", box->standardButtons(), buttons);
+        DemandSame("format", box->textFormat(), Qt::PlainText);
+        Demand(!box->parent(), "the box has a parent");
+        Demand(!(buttons & QMessageBox::Yes) || box->defaultButton() == box->button(QMessageBox::Yes),
+               "Yes is no default");
         if (answer == QMessageBox::Escape)
             QTest::keyClick(box, Qt::Key_Escape);
         else
@@ -303,9 +363,10 @@ Answer Files(const QString& caption, const QString& paths, const QString& start)
 {
     return Dialog(caption, [=](QWidget* shown) {
         auto* const dialog = qobject_cast<QFileDialog*>(shown);
-        QVERIFY2(dialog, shown->metaObject()->className());
+        if (!Demand(dialog, "no file dialog, but a " + QString(shown->metaObject()->className())))
+            return;
         if (!start.isEmpty())
-            QCOMPARE(dialog->directory().path(), Paths(start).first());
+            DemandSame("folder", dialog->directory().path(), Paths(start).first());
         if (paths.isEmpty()) {
             dialog->reject();
             return;
@@ -320,7 +381,7 @@ Answer Files(const QString& caption, const QString& paths, const QString& start)
 Answer Dialog(const QString& title, const Answer& answer)
 {
     return [=](QWidget* shown) {
-        QCOMPARE(shown->windowTitle(), title);
+        DemandSame("title", shown->windowTitle(), title);
         answer(shown);
     };
 }
@@ -328,17 +389,8 @@ Answer Dialog(const QString& title, const Answer& answer)
 Answer Fill(const QString& acts)
 {
     return [=](QWidget* dialog) {
-        for (const QString& act : acts.split("; ")) {
-            const QByteArray name = act.section('=', 0, 0).toLatin1();
-            if (act == "close")
-                dialog->close();
-            else if (name.startsWith("combo"))
-                Choose(*dialog, name, act.section('=', 1).toInt());
-            else if (name.startsWith("edit"))
-                Type(*dialog, name, act.section('=', 1));
-            else
-                Click(*dialog, name);
-        }
+        for (const QString& act : acts.split("; "))
+            Do(*dialog, act);
     };
 }
 

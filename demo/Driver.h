@@ -7,7 +7,23 @@
 
 #include <functional>
 
-/// Drives real windows from outside, by events.
+/// Drives real windows from outside, by events. A failure begins with the act during which it was seen; its place is
+/// the step of the test that AtStep() named last. Only the first one of a test is told: the rest would follow from it.
+
+/// Names the step of a test that begins, and its place.
+void AtStep(const QString& act, const char* file, int line);
+/// Fails the test unless @p ok. @return @p ok
+bool Demand(bool ok, const QString& otherwise);
+/// Demands that exactly what @p expected lists, separated by "; ", is seen, in any order.
+void DemandSeen(QStringList seen, const QString& expected);
+/// Demands two equal values.
+template <class Seen, class Expected>
+bool DemandSame(const char* what, const Seen& seen, const Expected& expected)
+{
+    QString words;
+    QDebug(&words).noquote().nospace() << what << " is '" << seen << "', expected is '" << expected << "'";
+    return Demand(seen == expected, words);
+}
 
 /// The child of @p parent with this object name; ends the program with a clear word when there is none.
 template <class Widget>
@@ -19,6 +35,13 @@ Widget* Child(const QObject& parent, const char* name)
     return child;
 }
 
+/// Does one thing with a window, or with any dialog, as the user would:
+///     editX TEXT      types it in place of what is there: "editTitle New"
+///     comboX INDEX    chooses an entry: "comboRename 6"
+///     keys NAMES      types keys, wherever the focus is: "keys Ctrl+L Down"
+///     close           closes the window
+///     NAME            clicks a button, a check box or a link: "buttonOK"
+void Do(QWidget& window, const QString& act);
 /// Clicks a button, or the link in a label.
 void Click(const QObject& parent, const char* button);
 /// Chooses an entry as the user does, so that the box signals its activation.
@@ -31,7 +54,8 @@ void DropOn(QWidget& window, const QStringList& paths);
 /// "ring=" and the names, for a screen reader, of what the Tab key goes through in @p window.
 QString Ring(const QWidget& window);
 /// What @p window shows, as "name=value": every control's value, with "(off)" when it takes no input; its Ring(); "cut"
-/// and "unreadable" captions, for the eye and for a screen reader. "~" is the home folder.
+/// and "unreadable" captions, for the eye and for a screen reader. "~" is the home folder, "|" ends a line, and ">"
+/// stands before a selected row: "listAudioFiles=>~/in/1.mp3|~/in/2.mp3 (off)".
 QStringList Visible(const QWidget& window);
 /// The paths that @p text names, separated by "|"; relative ones are in the home folder.
 QStringList Paths(const QString& text);
@@ -45,17 +69,21 @@ public:
     Outside();
     ~Outside() override;
 
-    QStringList opened; ///< the addresses, encoded
+    QStringList opened; ///< the addresses, encoded; "~" is the home folder
 
 private slots:
-    void Open(const QUrl& url) { opened += url.toString(QUrl::FullyEncoded); }
+    void Open(const QUrl& url);
 };
 
 using Answer = std::function<void(QWidget*)>;
 
-/// Does something with the main window as the user would: "drop PATHS", "press ROW", "row ROW ENTRY" of its menu,
-/// "actionX", "comboX INDEX", "editX TEXT", "buttonX", "buttonX ENTRY" of its menu, "close". Gives @p answers to the
-/// dialogs that follow, and waits until the window is idle or closed.
+/// Does one thing with the main window, gives @p answers to the dialogs that follow, and waits until the window is idle
+/// or closed. An act is one for Do(), or else:
+///     drop PATHS      drops files and folders: "drop in/1.mp3|in/2.mp3"
+///     press ROW       clicks a row; "double ROW" does so twice, and "drag ROW ROW" moves on to another
+///     row ROW ENTRY   chooses from the menu of a row: "row 0 Edit Tags"
+///     buttonX ENTRY   chooses from the menu of a button: "buttonAdd Folder"
+///     actionX         chooses from the menu bar: "actionNew"
 void Act(QWidget& window, const QString& act, QList<Answer> answers = {});
 
 /// Answers that are given to the modal dialogs and popup menus that come up while it lives, one each and in order,
@@ -93,6 +121,6 @@ Answer Success();
 Answer Files(const QString& caption, const QString& paths = {}, const QString& start = {});
 /// Does something with a dialog of this window title; it has to close it.
 Answer Dialog(const QString& title, const Answer& answer);
-/// Does one thing after another with a dialog: "editX=TEXT; comboX=INDEX; buttonX; close".
+/// Does one thing after another with a dialog, as Do() does it: "editTitle New; buttonOK".
 Answer Fill(const QString& acts);
 Answer CloseSocial();

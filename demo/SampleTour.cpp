@@ -102,12 +102,12 @@ private slots:
         Photograph(&window, Picture("main-window"));
 
         const auto repair = [](const QString& names) {
-            const QString others = "; editAlbum=Found Tapes; editYear=1968; editGenre=Folk; editTrack=1; buttonOK";
+            const QString others = "; editAlbum Found Tapes; editYear 1968; editGenre Folk; editTrack 1; buttonOK";
             return Dialog("Edit Tags", Fill(names + others));
         };
         Act(window, "buttonOrganize",
-            {Photographed("tag-editor", repair("editArtist=Ada Low; editTitle=First Steps")),
-             repair("editArtist=Nobody; editTitle=Mystery"), Photographed("finished", Success()),
+            {Photographed("tag-editor", repair("editArtist Ada Low; editTitle First Steps")),
+             repair("editArtist Nobody; editTitle Mystery"), Photographed("finished", Success()),
              Photographed("like", CloseSocial())});
 
         QStringList tree = FilesBelow(folder.filePath("sorted"));
