@@ -21,6 +21,8 @@
 #include <QScopedValueRollback>
 #include <QUrl>
 
+#include <utility>
+
 void MainWindow::on_buttonAdd_clicked()
 {
     addMenu->exec(ui->buttonAdd->mapToGlobal(QPoint(0, ui->buttonAdd->height())));
@@ -195,7 +197,7 @@ void MainWindow::AddPaths(const QStringList& paths)
     if (folders.isEmpty() && files.isEmpty())
         return;
     FillList([&] {
-        for (const QString& folder : qAsConst(folders))
+        for (const QString& folder : std::as_const(folders))
             AddFolder(folder, true);
         AddFilesToList(files);
     });

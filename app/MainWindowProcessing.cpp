@@ -15,6 +15,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <utility>
+
 void MainWindow::on_buttonOrganize_clicked()
 {
     if (audioFiles.IsEmpty()) {
@@ -104,7 +106,7 @@ void MainWindow::ReloadList()
 {
     BeginStage(tr("Updating audio file list..."));
     audioFiles.Clear();
-    for (const SAudioFile& file : qAsConst(worker.files)) {
+    for (const SAudioFile& file : std::as_const(worker.files)) {
         if (worker.end == RunEnd::Interrupted && !QFileInfo::exists(file.Path))
             continue; // stopped while originals were deleted
         audioFiles.Append(tagManager.ReadFile(file.Path));

@@ -361,7 +361,7 @@ std::array<double, 3> Steps(const QString& folder, const QString& output, bool d
     for (const QString& path : FilesBelow(folder))
         worker.files += tags.ReadFile(path);
     worker.settings = {1, 0, {}, false, false, true, output, deletes};
-    const int count = worker.files.size();
+    const auto count = worker.files.size();
     QElapsedTimer clock;
     std::array<qint64, 3> ends{};
     QObject::connect(

@@ -180,7 +180,7 @@ std::vector<EditedFile::SPatch> EditedFile::Patches()
             valid = valid && original.Read(position, before.data(), before.size()) == before.size();
             const auto front = std::mismatch(before.begin(), before.end(), piece.bytes.begin());
             const auto equal = static_cast<int>(front.first - before.begin());
-            int last = piece.bytes.size();
+            auto last = piece.bytes.size();
             while (last > equal && last <= before.size() && before.at(last - 1) == piece.bytes.at(last - 1))
                 --last;
             if (last > equal)

@@ -79,7 +79,7 @@ RunEnd ProcessThread::Process()
     if (fixing != RunEnd::Complete)
         return fixing;
     if (settings.skipOrganize) {
-        emit SetProgress(files.size());
+        emit SetProgress(static_cast<int>(files.size()));
         return RunEnd::Complete;
     }
     if (!OrganizeChoiceAt(settings.organizeBy))
@@ -115,7 +115,7 @@ RunEnd ProcessThread::FixTags()
 bool ProcessThread::FixFromFileName(SAudioFile& file)
 {
     const QString baseName = BaseNameOf(file.Path);
-    const int dash = baseName.indexOf(QLatin1Char('-'));
+    const auto dash = baseName.indexOf(QLatin1Char('-'));
     const bool hasArtistAndTitle = dash > 0 && dash < baseName.size() - 1;
     TagValues found;
     bool incomplete = false;

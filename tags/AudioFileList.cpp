@@ -2,7 +2,7 @@
 
 void AudioFileList::Append(const SAudioFile& file)
 {
-    rowOfPath.insert(file.Path, records.size());
+    rowOfPath.insert(file.Path, Count());
     records.append(file);
 }
 

@@ -11,7 +11,7 @@ class AudioFileList
 {
 public:
     const QList<SAudioFile>& Records() const { return records; }
-    int Count() const { return records.size(); }
+    int Count() const { return static_cast<int>(records.size()); }
     bool IsEmpty() const { return records.isEmpty(); }
     bool IsRow(int row) const { return row >= 0 && row < records.size(); }
     const SAudioFile& At(int row) const { return records.at(row); }

@@ -23,7 +23,7 @@ bool ClearInvalidTags(SAudioFile& file)
 
 void RemoveTrailingSpaces(QString& text)
 {
-    int length = text.size();
+    auto length = text.size();
     while (length > 0 && text.at(length - 1) == QLatin1Char(' '))
         --length;
     text.truncate(length);

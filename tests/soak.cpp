@@ -87,10 +87,11 @@ void TryDamage(int tries)
     for (int i = 0; i < tries; ++i) {
         const QString& name = names.at(i % names.size());
         QByteArray bytes = Bytes(samples + name);
-        bytes.truncate(random.bounded(3) ? bytes.size() : 1 + random.bounded(bytes.size()));
+        const int whole = static_cast<int>(bytes.size()), size = random.bounded(3) ? whole : 1 + random.bounded(whole);
+        bytes.truncate(size);
         for (int flip = random.bounded(12); flip > 0; --flip) {
-            const int near = random.bounded(1 + random.bounded(bytes.size())); // headers and trailers more often
-            const int at = random.bounded(2) ? near : bytes.size() - 1 - near;
+            const int near = random.bounded(1 + random.bounded(size)); // headers and trailers more often
+            const int at = random.bounded(2) ? near : size - 1 - near;
             bytes[at] = static_cast<char>(bytes.at(at) ^ (1 << random.bounded(8)));
         }
         Put(QString("damaged/Ann-%1.").arg(i) + ExtensionOf(name), bytes);
