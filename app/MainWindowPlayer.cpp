@@ -1,7 +1,9 @@
 #include "app/MainWindow.h"
 
 #include "platform/Desktop.h"
+#include "platform/QtVersion.h"
 
+#include <QAudioOutput>
 #include <QFile>
 #include <QListWidgetItem>
 #include <QMediaPlayer>
@@ -28,8 +30,7 @@ void MainWindow::on_buttonPlay_clicked()
         player = std::make_unique<QMediaPlayer>();
     if (!audioFiles.IsRow(currentRow) || !QFile::exists(audioFiles.At(currentRow).Path))
         return;
-    player->setMedia(QMediaContent(QUrl::fromLocalFile(audioFiles.At(currentRow).Path)));
-    player->setVolume(previewVolume);
+    OpenMedia<QAudioOutput>(*player, QUrl::fromLocalFile(audioFiles.At(currentRow).Path), previewVolume);
     player->play();
 }
 

@@ -1,9 +1,9 @@
 #include "app/NativeLookingApplication.h"
 
 #include "app/CaptionFit.h"
+#include "platform/QtVersion.h"
 
 #include <QFileOpenEvent>
-#include <QTextCodec>
 #include <QTimer>
 #include <QWidget>
 
@@ -15,14 +15,11 @@ NativeLookingApplication::NativeLookingApplication(int& argc, char** argv) : QAp
 
 void NativeLookingApplication::Prepare()
 {
-    setAttribute(Qt::AA_EnableHighDpiScaling);
-    setAttribute(Qt::AA_UseHighDpiPixmaps);
+    PrepareQt();
     // Rounded, 150 % would fill the screen with twice the size, and 125 % would change nothing.
     setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     // Wayland has no other way to a window's icon.
     setDesktopFileName(QStringLiteral(ORVANTO_APPLICATION_ID));
-    // File names are UTF-8 everywhere today, also where the locale is missing or says otherwise.
-    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     // Where the user limits the size of files, a write beyond that fails and is put back, like any other.
     std::signal(SIGXFSZ, SIG_IGN);
 }
@@ -52,11 +49,9 @@ bool NativeLookingApplication::notify(QObject* receiver, QEvent* event)
         widget->metaObject()->className()[0] != 'Q')
         FitCaptions(*widget);
     if (event->type() == QEvent::Polish) {
-        constexpr Qt::WidgetAttribute sizes[] = {Qt::WA_MacMiniSize, Qt::WA_MacSmallSize, Qt::WA_MacNormalSize,
-                                                 Qt::WA_MacVariableSize};
         constexpr const char* smallClasses[] = {"QLabel",    "QLineEdit",    "QComboBox",
                                                 "QCheckBox", "QRadioButton", "QAbstractItemView"};
-        const bool sized = std::any_of(std::begin(sizes), std::end(sizes),
+        const bool sized = std::any_of(std::begin(controlSizes), std::end(controlSizes),
                                        [widget](Qt::WidgetAttribute size) { return widget->testAttribute(size); });
         const bool isSmall = std::any_of(std::begin(smallClasses), std::end(smallClasses),
                                          [widget](const char* name) { return widget->inherits(name); });

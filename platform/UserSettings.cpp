@@ -19,7 +19,7 @@ QSettings OpenSettings()
 QString StoredFolder(const QString& key)
 {
     const QVariant folder = OpenSettings().value(key);
-    return folder.type() == QVariant::String ? folder.toString() : FirstLocation(QStandardPaths::MusicLocation);
+    return folder.userType() == QMetaType::QString ? folder.toString() : FirstLocation(QStandardPaths::MusicLocation);
 }
 
 bool StoredFlag(const QString& key)

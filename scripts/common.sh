@@ -4,8 +4,9 @@ set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-build_packages=(g++ cmake ninja-build pkg-config qtbase5-dev qtmultimedia5-dev libqt5multimedia5-plugins libtag1-dev
-    fonts-dejavu-core)
+any_qt_packages=(g++ cmake ninja-build pkg-config libtag1-dev fonts-dejavu-core)
+build_packages=("${any_qt_packages[@]}" qtbase5-dev qtmultimedia5-dev libqt5multimedia5-plugins)
+qt6_packages=("${any_qt_packages[@]}" qt6-base-dev qt6-multimedia-dev)
 virtual_display_packages=(xvfb xauth)
 package_packages=(dpkg-dev file lintian desktop-file-utils appstream imagemagick cmark-gfm)
 check_packages=(git clang clang-format clang-tidy shellcheck)
@@ -15,9 +16,9 @@ install_packages() {
     if ! command -v apt-get >/dev/null; then
         # Neither macOS nor another Linux has been tried: this only says what CMake will look for.
         if [[ $(uname) == Darwin ]]; then
-            echo "This needs Xcode's command line tools and: brew install qt@5 taglib cmake ninja"
+            echo "This needs Xcode's command line tools and: brew install qt@5 taglib cmake ninja (for the preset qt6: qt)"
         else
-            echo "This needs a C++17 compiler, CMake 3.25, Ninja, pkg-config, Qt 5.15 with Multimedia, TagLib and Xvfb."
+            echo "This needs a C++17 compiler, CMake 3.25, Ninja, pkg-config, Qt 5.15 or 6.4 with Multimedia, TagLib and Xvfb."
         fi
         return
     fi
@@ -58,7 +59,7 @@ build() (
     fi
     if [[ $(uname) == Darwin ]]; then
         # Homebrew keeps Qt 5 out of the folders that CMake searches.
-        CMAKE_PREFIX_PATH=$(brew --prefix qt@5)
+        CMAKE_PREFIX_PATH=$(brew --prefix "$([[ $1 == qt6 ]] && echo qt || echo qt@5)")
         export CMAKE_PREFIX_PATH
     fi
     cmake --preset "$1"
