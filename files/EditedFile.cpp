@@ -200,15 +200,16 @@ std::vector<EditedFile::SPatch> EditedFile::Patches()
 EditedFile::Saved EditedFile::Patch(FileHandle& target, const std::function<bool()>& goOn)
 {
     const std::vector<SPatch> patches = Patches();
+    if (!goOn()) // once: the answer may take long, and nobody is to find half a patch meanwhile
+        return Saved::NotAtAll;
     const auto now = target.Facts();
     if (!now || !IsUnchanged(*facts, *now))
         return Saved::Overtaken;
     if (!valid)
         return Saved::NotAtAll;
     // From the end: where there is no room for more, nothing has been touched yet.
-    const bool written = std::all_of(patches.rbegin(), patches.rend(), [&](const SPatch& patch) {
-        return goOn() && target.Write(patch.position, patch.after);
-    });
+    const bool written = std::all_of(patches.rbegin(), patches.rend(),
+                                     [&](const SPatch& patch) { return target.Write(patch.position, patch.after); });
     if (written && (size >= facts->size || target.Resize(size)) && target.Flush())
         return Saved::Whole;
     for (const SPatch& patch : patches)

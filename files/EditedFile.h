@@ -46,8 +46,8 @@ public:
 
     /// Writes the edits. Where every range of the file keeps its place, only the bytes that differ are written, into
     /// the file itself, and put back when that fails. Otherwise a new file, whole and with the owner, permissions and
-    /// attributes of the old one, takes its place; the edited file is closed then. @p goOn is asked for every megabyte
-    /// and may end it, with Saved::NotAtAll.
+    /// attributes of the old one, takes its place; the edited file is closed then. @p goOn is asked before the former
+    /// and for every megabyte of the latter, and may end it, with Saved::NotAtAll.
     Saved Save(const std::function<bool()>& goOn);
 
 private:
