@@ -101,6 +101,7 @@ void MainWindow::Init()
     connect(&worker, &ProcessThread::SetProgress, this, &MainWindow::UpdateProgress);
     connect(ui->listAudioFiles, &QWidget::customContextMenuRequested, this, &MainWindow::OnListAudioFilesRightClick);
 
+    tagManager.goOn = [this] { return Pump(); };
     extensions = AudioExtensions();
     resize(startSize);
     setAcceptDrops(true);

@@ -15,11 +15,12 @@ namespace
 const QString keptTag = QStringLiteral("[Original]");
 } // namespace
 
-/// Writes the tags of @p file into its file and puts it in the list. Failed writes are not reported.
+/// Writes the tags of @p file into its file and puts it in the list. Failed writes are not reported. The window lives
+/// on meanwhile, so it has to be changing.
 void MainWindow::WriteRecord(int row, const SAudioFile& file)
 {
     tagManager.WriteFile(file);
-    audioFiles.Replace(row, file);
+    audioFiles.Replace(row, stopping ? tagManager.ReadFile(file.Path) : file); // it may have been left as it was
 }
 
 void MainWindow::OnEditTags()
@@ -31,6 +32,7 @@ void MainWindow::OnEditTags()
     dialog.SetFile(audioFiles.At(currentRow));
     if (dialog.exec() != QDialog::Accepted)
         return;
+    const ActivityGuard changing(*this, Activity::Changing);
     WriteRecord(currentRow, dialog.File());
     on_listAudioFiles_itemPressed(ui->listAudioFiles->currentItem());
 }
