@@ -111,10 +111,6 @@ void MainWindow::Init()
     // Six short tags are seen whole in any font.
     const int sixLines = static_cast<int>(allTags.size()) * ui->textInfo->fontMetrics().lineSpacing();
     ui->scrollInfo->setMinimumHeight(sixLines + 2 * ui->scrollInfo->frameWidth());
-    QSizePolicy statusSize = ui->textProgress->sizePolicy();
-    statusSize.setRetainSizeWhenHidden(true);
-    ui->textProgress->setSizePolicy(statusSize);
-    ui->textProgress->hide();
     ui->buttonAdd->setStyleSheet(QStringLiteral("Text-align:left; padding:7px 0px 9px 18px;"));
     ui->buttonRemove->setStyleSheet(QStringLiteral("padding:7px 8px 9px 8px;")); // on one line with Add
     FillCombos();

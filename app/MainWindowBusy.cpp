@@ -4,7 +4,6 @@
 #include "ui_MainWindow.h"
 
 #include <QAbstractItemView>
-#include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
 #include <QKeyEvent>
@@ -29,6 +28,7 @@ MainWindow::ActivityGuard::~ActivityGuard()
 
 void MainWindow::LookBusy(const QString& status)
 {
+    ShowStatus(status); // first, so that a screen reader says it when the bar takes the focus
     // A widget that is disabled passes the focus on: to a setting, which the next key would change unnoticed.
     ui->progressOrganize->setEnabled(true);
     ui->progressOrganize->setFocus();
@@ -36,7 +36,6 @@ void MainWindow::LookBusy(const QString& status)
     ui->listAudioFiles->setEnabled(false);
     ui->buttonAdd->setEnabled(false);
     ui->buttonRemove->setEnabled(false);
-    ShowStatus(status);
 }
 
 /// @p focused: what had the focus before the window was busy. It has it again, or the list, unless the user has given
@@ -54,15 +53,13 @@ void MainWindow::LookIdle(QWidget* focused)
     ShowStatus(QString());
 }
 
-/// A screen reader says the status when it changes, and does not come across it while there is none.
+/// The status is the name of the progress bar, too: a screen reader says how that changes while the bar has the focus,
+/// but not what happens to a label.
 void MainWindow::ShowStatus(const QString& status)
 {
     ui->textProgress->setText(status);
-    ui->textProgress->setVisible(!status.isEmpty());
-    if (!status.isEmpty()) {
-        QAccessibleEvent alert(ui->textProgress, QAccessible::Alert);
-        QAccessible::updateAccessibility(&alert);
-    }
+    ui->textProgress->setAccessibleName(status.isEmpty() ? tr("Status") : status);
+    ui->progressOrganize->setAccessibleName(status.isEmpty() ? tr("Progress") : status);
 }
 
 /// Another stage of an activity: its status, with the progress bar back at its start.

@@ -11,6 +11,7 @@ DialogRename::DialogRename(QWidget* parent) : QDialog(parent), ui(std::make_uniq
     for (const STag& tag : allTags)
         placeholders += QStringLiteral(" [%1]").arg(QLatin1String(tag.name));
     ui->editRenameScheme->setToolTip(placeholders);
+    ui->editRenameScheme->setAccessibleDescription(placeholders);
 }
 
 DialogRename::~DialogRename() = default;

@@ -2,6 +2,7 @@
 
 #include "dialogs/LongTexts.h"
 
+#include <QAccessible>
 #include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QMouseEvent>
@@ -52,8 +53,15 @@ void ListAudioFiles::keyPressEvent(QKeyEvent* event)
     // The row with the focus may not be selected yet: then a step selects it, and so does a leap that ends there.
     if (!isStep || !before.isEmpty() || !currentItem())
         QListWidget::keyPressEvent(event);
-    if ((isStep || isLeap) && selectedItems().isEmpty() && currentItem())
+    if ((isStep || isLeap) && selectedItems().isEmpty() && currentItem()) {
         currentItem()->setSelected(true);
+        // A screen reader has said this row when the list took the focus, and repeats it only if it comes back to it.
+        QAccessibleEvent list(this, QAccessible::Focus);
+        QAccessible::updateAccessibility(&list);
+        QAccessibleEvent row(this, QAccessible::Focus);
+        row.setChild(currentRow());
+        QAccessible::updateAccessibility(&row);
+    }
     const QList<QListWidgetItem*> now = selectedItems();
     if (!now.isEmpty() && now != before)
         emit itemPressed(now.first());

@@ -204,7 +204,8 @@ private slots:
                 "comboOrganizeBy=Artist; comboRename=Artist-Title; checkSkipOrganize=false; radioFixAuto=true; "
                 "radioFixMan=false; checkOnlyEditInvalid=true (off); editOutputFolder=~/Music; "
                 "checkDeleteOriginal=false; buttonBrowseOutFold=Browse; textOutputPreview=Output Preview; "
-                "progressOrganize=0% (off); ~/Documents=; ~/Music=; ring=Files|Add|Remove|Organize by|Rename|Skip "
+                "progressOrganize=0% (off); textProgress=; ~/Documents=; ~/Music=; ring=Files|Add|Remove|Organize "
+                "by|Rename|Skip "
                 "organizing (Only edit tags)|Incomplete/invalid tags will be fixed: Automatically (where possible)|"
                 "Incomplete/invalid tags will be fixed: Manually|Only edit incomplete/invalid tags|Output Folder|"
                 "Browse|Output Preview|Delete original files|Start; " +
@@ -526,7 +527,7 @@ private slots:
             "listAudioFiles=~/in/Ann - Song.mp3|>~/in/z.ogg (off); buttonOrganize=Start       (off); buttonAdd=Add "
             "(off); buttonRemove=Remove (off); progressOrganize=0%; textProgress=Processing...";
         const QString idle = "listAudioFiles=~/in/Ann - Song.mp3|~/in/z.ogg; buttonOrganize=Start      ; "
-                             "buttonAdd=Add; buttonRemove=Remove; progressOrganize=0% (off); " +
+                             "buttonAdd=Add; buttonRemove=Remove; progressOrganize=0% (off); textProgress=; " +
                              cleared + "; Updating 50%; ";
         const auto asks = [this](const QString& shown, const QString& changes, const Answer& then) {
             return Shows(shown, [=](QWidget* editor) {
