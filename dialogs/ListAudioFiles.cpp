@@ -85,8 +85,10 @@ void ListAudioFiles::paintEvent(QPaintEvent* event)
     QListWidget::paintEvent(event);
     // Without a row that could show the focus, the list itself does.
     if (hasFocus() && !currentItem()) {
+        // As lines they would be cut by half at the right and the bottom where the screen is scaled by a fraction.
+        const QRect room = viewport()->rect();
         QPainter painter(viewport());
-        painter.setPen(palette().color(QPalette::Highlight));
-        painter.drawRect(viewport()->rect().adjusted(0, 0, -1, -1));
+        painter.setClipRegion(QRegion(room) - room.adjusted(1, 1, -1, -1));
+        painter.fillRect(room, palette().color(QPalette::Highlight));
     }
 }
