@@ -2,8 +2,12 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QGroupBox>
 #include <QLabel>
+#include <QMap>
 #include <QPushButton>
+
+#include <algorithm>
 
 namespace
 {
@@ -28,32 +32,55 @@ bool Fits(const QAbstractButton& button)
     return text + icon + 2 * frame <= button.width();
 }
 
-/// Draws a caption that does not fit one pixel smaller. @return whether it did.
-template <class Caption>
-bool Shrink(Caption& caption)
+/// Whether a label or a button shows a text that is cut off.
+bool IsCut(const QWidget* caption)
+{
+    if (const auto* const label = qobject_cast<const QLabel*>(caption)) {
+        const bool elastic = label->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored;
+        return !elastic && !label->text().isEmpty() && !Fits(*label);
+    }
+    const auto* const button = qobject_cast<const QAbstractButton*>(caption);
+    return button && !button->text().isEmpty() && !Fits(*button);
+}
+
+/// The group box that @p caption stands in, else the caption itself.
+QWidget* GroupOf(QWidget* caption)
+{
+    QWidget* box = caption->parentWidget();
+    while (box && !box->isWindow() && !qobject_cast<QGroupBox*>(box))
+        box = box->parentWidget();
+    return qobject_cast<QGroupBox*>(box) ? box : caption;
+}
+
+/// Draws @p captions, which have one size, one pixel smaller. @return whether it did.
+bool Shrink(const QWidgetList& captions)
 {
     constexpr int smallest = 8; // pixels
-    QFont font = caption.font();
+    QFont font = captions.first()->font();
     // In pixels, as asked for and not as drawn: some systems round, so that a smaller step would never end.
     const int size = font.pixelSize() > 0 ? font.pixelSize() : QFontInfo(font).pixelSize();
-    if (caption.text().isEmpty() || size <= smallest || Fits(caption))
+    if (size <= smallest)
         return false;
     font.setPixelSize(size - 1);
-    caption.setFont(font);
+    for (QWidget* const caption : captions)
+        caption->setFont(font);
     return true;
 }
 } // namespace
 
 void FitCaptions(const QWidget& window)
 {
+    QMap<QWidget*, QWidgetList> groups;
+    for (auto* const widget : window.findChildren<QWidget*>()) {
+        if (widget->isVisibleTo(&window) && (widget->inherits("QLabel") || widget->inherits("QAbstractButton")))
+            groups[GroupOf(widget)] += widget;
+    }
     for (bool shrunk = true; shrunk;) {
         shrunk = false;
-        for (auto* const label : window.findChildren<QLabel*>()) {
-            const bool elastic = label->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored;
-            shrunk |= label->isVisibleTo(&window) && !elastic && Shrink(*label);
+        for (const QWidgetList& captions : qAsConst(groups)) {
+            const bool cut = std::any_of(captions.begin(), captions.end(), IsCut);
+            shrunk |= cut && Shrink(captions);
         }
-        for (auto* const button : window.findChildren<QAbstractButton*>())
-            shrunk |= button->isVisibleTo(&window) && Shrink(*button);
         // What one caption gives up is room for those beside it.
         QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     }
