@@ -9,6 +9,7 @@
 #include <QLayout>
 #include <QMainWindow>
 #include <QPlainTextEdit>
+#include <QScreen>
 #include <QWindow>
 
 #include <algorithm>
@@ -28,10 +29,17 @@ const QWidget* MainWindowOnScreen()
     return main == windows.end() ? nullptr : *main;
 }
 
+/// Puts @p dialog in the middle of the main window, or as near as it is whole on the screen.
 void MoveToMiddle(QDialog& dialog)
 {
-    if (const QWidget* const main = MainWindowOnScreen())
-        dialog.move(main->geometry().center() - dialog.rect().center());
+    const QWidget* const main = MainWindowOnScreen();
+    if (!main)
+        return;
+    const QRect screen = main->screen()->availableGeometry();
+    const QSize frame = main->frameGeometry().size() - main->geometry().size(); // a dialog's has the same size
+    const QPoint last = screen.bottomRight() - dialog.rect().bottomRight() - QPoint(frame.width(), frame.height());
+    const QPoint middle = main->geometry().center() - dialog.rect().center();
+    dialog.move(qMax(screen.left(), qMin(middle.x(), last.x())), qMax(screen.top(), qMin(middle.y(), last.y())));
 }
 
 /// A message box has its size only once it is shown.
@@ -48,6 +56,18 @@ protected:
     }
 };
 
+/// Whether a label would cut off @p text, or grow the box beyond the screen.
+bool IsLong(const QString& text)
+{
+    if (text.size() > longestText || text.count(QLatin1Char('\n')) > mostLines)
+        return true;
+    // No more narrow than its longest word, such as a file name.
+    QLabel label(text);
+    label.setTextFormat(Qt::PlainText);
+    label.setWordWrap(true);
+    return label.minimumSizeHint().width() > scrolledText.width();
+}
+
 /// Shows the text of @p box in a field that scrolls, so that neither its size nor its layout grows with the text.
 /// A box that shows its text in no label is left as it is.
 void MakeScrollable(QMessageBox& box)
@@ -59,6 +79,10 @@ void MakeScrollable(QMessageBox& box)
         return;
     auto* const text = new QPlainTextEdit(box.text(), &box);
     text->setReadOnly(true);
+    // With a caret the keys reach every place, and a screen reader reads line by line.
+    text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    text->setStyleSheet(QStringLiteral("QPlainTextEdit { border: 1px solid transparent; }"
+                                       "QPlainTextEdit:focus { border-color: palette(highlight); }"));
     text->setLineWrapMode(QPlainTextEdit::NoWrap);
     text->setMinimumSize(scrolledText);
     text->setTabChangesFocus(true); // it takes no text, and the buttons are what comes next
@@ -79,27 +103,8 @@ void NameIcon(const QMessageBox& box)
     }
 }
 
-QMessageBox::StandardButton Show(QMessageBox::Icon icon, const QString& title, const QString& text,
-                                 QMessageBox::StandardButtons buttons, QMessageBox::StandardButton defaultButton,
-                                 QPointer<QDialog>* standing = nullptr)
-{
-    Box box(icon, title, QString(), buttons);
-    if (standing)
-        *standing = &box;
-    box.setTextFormat(Qt::PlainText);
-    box.setText(text);
-    box.setDefaultButton(defaultButton);
-    if (text.size() > longestText || text.count(QLatin1Char('\n')) > mostLines)
-        MakeScrollable(box);
-    NameIcon(box);
-    for (QAbstractButton* const button : box.buttons())
-        button->setIcon(QIcon()); // some desktops still put dated icons on buttons
-    PlaceOverMainWindow(box);
-    return static_cast<QMessageBox::StandardButton>(box.exec());
-}
-} // namespace
-
-void PlaceOverMainWindow(QDialog& dialog)
+/// Keeps @p dialog above the main window, and gives it the program's name and icon.
+void PutAboveMainWindow(QDialog& dialog)
 {
     dialog.setWindowIcon(QIcon(QStringLiteral(":/res/Logo-transparent.png")));
     dialog.winId(); // makes the window that the desktop knows
@@ -110,6 +115,31 @@ void PlaceOverMainWindow(QDialog& dialog)
     }
     if (const QWidget* const main = MainWindowOnScreen())
         window->setTransientParent(main->windowHandle());
+}
+
+QMessageBox::StandardButton Show(QMessageBox::Icon icon, const QString& title, const QString& text,
+                                 QMessageBox::StandardButtons buttons, QMessageBox::StandardButton defaultButton,
+                                 QPointer<QDialog>* standing = nullptr)
+{
+    Box box(icon, title, QString(), buttons);
+    if (standing)
+        *standing = &box;
+    box.setTextFormat(Qt::PlainText);
+    box.setText(text);
+    box.setDefaultButton(defaultButton);
+    if (IsLong(text))
+        MakeScrollable(box);
+    NameIcon(box);
+    for (QAbstractButton* const button : box.buttons())
+        button->setIcon(QIcon()); // some desktops still put dated icons on buttons
+    PutAboveMainWindow(box);
+    return static_cast<QMessageBox::StandardButton>(box.exec());
+}
+} // namespace
+
+void PlaceOverMainWindow(QDialog& dialog)
+{
+    PutAboveMainWindow(dialog);
     MoveToMiddle(dialog);
 }
 
@@ -136,6 +166,6 @@ void Inform(const QString& text)
 
 QString AskForFolder(QWidget* parent, const QString& settingsKey)
 {
-    return QFileDialog::getExistingDirectory(parent, QCoreApplication::translate("AskForFolder", "Select folder"),
+    return QFileDialog::getExistingDirectory(parent, QCoreApplication::translate("Prompts", "Select folder"),
                                              StoredFolder(settingsKey));
 }
