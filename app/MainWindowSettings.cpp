@@ -84,7 +84,13 @@ void MainWindow::on_checkDeleteOriginal_clicked(bool checked)
 
 void MainWindow::on_editOutputFolder_textEdited(const QString& text)
 {
-    TakeOutputFolder(WithoutLineBreaks(text));
+    const QString folder = WithoutLineBreaks(text);
+    if (folder != text) { // it was pasted
+        const QString before = WithoutLineBreaks(text.left(ui->editOutputFolder->cursorPosition()));
+        ui->editOutputFolder->setText(folder);
+        ui->editOutputFolder->setCursorPosition(before.size());
+    }
+    TakeOutputFolder(folder);
 }
 
 /// Takes over a folder that was typed or read from a profile, where a carriage return belongs to it.
