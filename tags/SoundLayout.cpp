@@ -134,10 +134,11 @@ bool Mp4Atoms::TakeOffsets(const QByteArray& name, qint64 content, qint64 end)
 bool Mp4Atoms::TakeTable(qint64 start, qint64 end, int entrySize, int inEntry, int numberSize)
 {
     const auto entries = static_cast<qint64>(NumberAt(file, start, 4));
-    bool fits = start + 4 + entries * entrySize <= end;
-    for (qint64 at = start + 4; fits && at < start + 4 + entries * entrySize; at += entrySize)
-        fits = TakeOffset(at + inEntry, end, numberSize);
-    return fits;
+    for (qint64 entry = 0; entry < entries; ++entry) {
+        if (!TakeOffset(start + 4 + entry * entrySize + inEntry, end, numberSize))
+            return false;
+    }
+    return true;
 }
 
 bool Mp4Atoms::TakeOffset(qint64 at, qint64 end, int size, bool isFromEnd)

@@ -255,10 +255,26 @@ private slots:
         QCOMPARE(Names(), QStringList({"a.mp3", "copy.mp3"}));
     }
 
+    void nothingIsOpenAnyMoreWhenAFileIsReplaced()
+    {
+        int renamed = 0;
+        QStringList open;
+        onCall = [&](const QByteArray& call) {
+            renamed += call == "rename";
+            for (const QFileInfo& file : QDir("/proc/self/fd").entryInfoList(QDir::Files))
+                open += call == "rename" ? file.symLinkTarget() : QString();
+            return 0;
+        };
+        Work("moves");
+        QCOMPARE(renamed, 1);
+        QCOMPARE(open.filter(folder->path()), QStringList());
+    }
+
     void badEditsAreNotSaved()
     {
         const QByteArray before = Bytes(In("a.mp3"));
         EditedFile file(In("a.mp3"));
+        QCOMPARE(file.Read(file.Size() + 1, 4), QByteArray()); // as damaged files make TagLib do
         file.Replace(file.Size() - 1, 2, "x");
         QCOMPARE(file.Save([] { return true; }), EditedFile::Saved::NotAtAll);
         QVERIFY(Bytes(In("a.mp3")) == before);
