@@ -34,10 +34,14 @@ bool IsUnchanged(const SFileFacts& before, const SFileFacts& now)
     return before.size == now.size && before.modified == now.modified && before.changed == now.changed;
 }
 
+QString Comparable(const QString& text)
+{
+    return text.normalized(QString::NormalizationForm_D).toCaseFolded().normalized(QString::NormalizationForm_D);
+}
+
 QString ComparablePath(const QString& path)
 {
-    const QString canonical = QFileInfo(path).canonicalFilePath();
-    return canonical.normalized(QString::NormalizationForm_D).toCaseFolded().normalized(QString::NormalizationForm_D);
+    return Comparable(QFileInfo(path).canonicalFilePath());
 }
 
 bool IsSameFile(const QString& one, const QString& other)

@@ -41,6 +41,9 @@ bool IsUnchanged(const SFileFacts& before, const SFileFacts& now);
 /// these may take paths for the same.
 QString ComparablePath(const QString& path);
 
+/// Any text in that letter case and normal form.
+QString Comparable(const QString& text);
+
 /// Whether two paths lead to one file: the file system says so, or they are comparable. Some file systems ignore letter
 /// case and make up inode numbers for each path. So two files may be taken for one: ask where that does no harm.
 bool IsSameFile(const QString& one, const QString& other);

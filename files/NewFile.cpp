@@ -163,6 +163,13 @@ bool NewFile::StartWriting()
 #endif
 }
 
+void NewFile::StartFlush()
+{
+#ifndef Q_OS_MACOS
+    sync_file_range(handle.Descriptor(), onItsWay, 0, SYNC_FILE_RANGE_WRITE); // 0: to the end
+#endif
+}
+
 bool NewFile::TakeOwner(const SFileFacts& facts)
 {
     const auto own = handle.Facts();

@@ -41,6 +41,8 @@ public:
     /// Gives it the access and modification times of a file; a refusal by the file system is no failure.
     void TakeTime(const SFileFacts& facts);
 
+    /// Has the disk begin to write what it has not, without waiting: a flush finds less to do.
+    void StartFlush();
     /// Flushes and closes it. @return false when some of the content may be missing; then it must not appear.
     bool Finish();
     /// Gives it its name. @return false when it could not, or something that must stay is already there.

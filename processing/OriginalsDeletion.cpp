@@ -1,6 +1,6 @@
 #include "processing/OriginalsDeletion.h"
 
-#include "files/CopyFile.h"
+#include "files/CopyGroup.h"
 #include "files/FileHandle.h"
 #include "files/FilePath.h"
 #include "files/HiddenFile.h"
@@ -22,7 +22,7 @@ OriginalsDeletion::OriginalsDeletion(SRunSettings runSettings, QList<QString> ke
 /// Whether a source is a file that the run keeps, by this path or another.
 bool OriginalsDeletion::IsKept(const QString& path, const SFileFacts& facts, Outcome outcome)
 {
-    if (outcome == Outcome::Kept || keptPaths.contains(path) || keptFiles.contains(facts.Identity()))
+    if (keptPaths.contains(path) || keptFiles.contains(facts.Identity()))
         return true;
     if (outcome != Outcome::WasThere)
         return false;
@@ -36,9 +36,10 @@ bool OriginalsDeletion::IsKept(const QString& path, const SFileFacts& facts, Out
 
 bool OriginalsDeletion::Delete(const SAudioFile& file, const SRowResult& row)
 {
-    if (row.outcome == Outcome::Kept)
-        return true;
     const QString destination = BuildOutputPath(file, settings);
+    // Files without a name were all meant for one destination; that is no reason to delete any.
+    if (row.outcome == Outcome::Kept || row.outcome == Outcome::Failed || BaseNameOf(destination).isEmpty())
+        return true;
     const bool staysThere = FlushNames(FolderOf(destination)); // which takes time: all facts are read after it
     const auto now = FactsOf(file.Path), there = FactsOf(destination);
     if (!now || IsKept(file.Path, *now, row.outcome))

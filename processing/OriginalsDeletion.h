@@ -19,7 +19,8 @@ struct SRowResult
     enum class Outcome {
         Kept,     ///< nothing stands for its source
         WasThere, ///< there was another file at its destination
-        Copied
+        Copied,
+        Failed, ///< it was not copied, which the report says
     };
     Outcome outcome = Outcome::Kept;
     std::optional<SFileFacts> source = std::nullopt; ///< when it was copied, or the other file found

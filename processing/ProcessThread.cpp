@@ -1,6 +1,6 @@
 #include "processing/ProcessThread.h"
 
-#include "files/CopyFile.h"
+#include "files/CopyGroup.h"
 #include "files/FilePath.h"
 #include "naming/OutputPath.h"
 #include "naming/StandIns.h"
@@ -8,6 +8,8 @@
 
 #include <QDir>
 #include <QFileInfo>
+
+using Outcome = SRowResult::Outcome;
 
 namespace
 {
@@ -195,52 +197,57 @@ void ProcessThread::CreateFolders()
 
 RunEnd ProcessThread::CopyFiles()
 {
-    rows.resize(static_cast<std::size_t>(files.size()));
-    for (int i = 0; i < files.size(); ++i) {
-        if (isInterruptionRequested())
-            return RunEnd::Interrupted;
-        const QString name = GenerateFilename(i);
+    rows.assign(static_cast<std::size_t>(files.size()), {});
+    CopyGroup group(
+        [this] { return !isInterruptionRequested(); },
+        [this](int row, const SCopy& copy) {
+            if (copy.result != CopyResult::Stopped)
+                RowAt(row) = {copy.result == CopyResult::Copied ? Outcome::Copied : Outcome::Failed, copy.source};
+        });
+    for (int i = 0; i < files.size() && !isInterruptionRequested(); ++i) {
         // A blunt test on purpose: it refuses a real title with this word in it, too.
-        const bool refused = name.contains(unknownTag);
+        const bool refused = GenerateFilename(i).contains(unknownTag);
         if (refused) {
-            RecordFailure(files.at(i).Path);
+            RowAt(i).outcome = Outcome::Failed;
             TakeStandInsBack(files[i]);
         } else {
-            CopyToTree(i, name);
+            CopyToTree(i, group);
         }
         // Without folders, progress passes refused files over; with folders it counts them. Both are kept.
         if (!refused || settings.organizeBy != 0)
             emit SetProgress(i + 1);
     }
-    return EndSoFar();
+    group.Finish();
+    for (int i = 0; i < files.size(); ++i) {
+        if (RowAt(i).outcome == Outcome::Failed)
+            RecordFailure(files.at(i).Path);
+    }
+    return isInterruptionRequested() ? RunEnd::Interrupted : RunEnd::Complete;
 }
 
-void ProcessThread::CopyToTree(int index, const QString& name)
+void ProcessThread::CopyToTree(int index, CopyGroup& group)
 {
     const SAudioFile& file = files.at(index);
-    const QStringList folderTags = FolderTags(file, settings.organizeBy);
     const QString destination = BuildOutputPath(file, settings);
     outputPaths += destination;
-    SRowResult row;
+    group.FinishBefore(destination);
     const auto source = FactsOf(file.Path);
     // A pipe or a device in the source's place must not count as copied.
-    if (!source || !source->IsRegular() || foldersLeadingOut.contains(folderTags)) {
-        RecordFailure(file.Path);
+    if (!source || !source->IsRegular() || foldersLeadingOut.contains(FolderTags(file, settings.organizeBy))) {
+        RowAt(index).outcome = Outcome::Failed;
     } else if (QFileInfo(destination).isFile()) {
         // It is kept, and that is no failure. The two are compared at once: there are file systems that make inode
         // numbers up and forget them.
         if (!IsSameFile(destination, file.Path))
-            row = {SRowResult::Outcome::WasThere, source};
+            RowAt(index) = {Outcome::WasThere, source};
     } else {
-        const SCopy copy = CopyFile(file.Path, destination, [this] { return !isInterruptionRequested(); });
-        if (copy.result == CopyResult::Copied)
-            row = {SRowResult::Outcome::Copied, copy.source};
-        else if (copy.result == CopyResult::Failed)
-            RecordFailure(file.Path);
+        group.Add(index, file.Path, destination);
     }
-    // Files without a name were all meant for one destination; that is no reason to delete any.
-    if (!name.isEmpty())
-        rows[static_cast<std::size_t>(index)] = row;
+}
+
+SRowResult& ProcessThread::RowAt(int index)
+{
+    return rows.at(static_cast<std::size_t>(index));
 }
 
 void ProcessThread::RecordFailure(const QString& sourcePath)
@@ -255,7 +262,7 @@ RunEnd ProcessThread::DeleteOriginals()
     for (int i = 0; i < files.size(); ++i) {
         if (isInterruptionRequested())
             return RunEnd::Interrupted;
-        if (!deletion.Delete(files.at(i), rows.at(static_cast<std::size_t>(i))))
+        if (!deletion.Delete(files.at(i), RowAt(i)))
             RecordFailure(files.at(i).Path);
     }
     files.clear();

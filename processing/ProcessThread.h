@@ -14,6 +14,8 @@
 #include <atomic>
 #include <vector>
 
+class CopyGroup;
+
 /// The worker: one run over its own copy of the file list. It repairs and writes tags, copies every file into the
 /// output tree and may delete the originals. Fill `files` and `settings`, start it, and read the results once it has
 /// finished; while it runs, nothing but the hand-off below may be written, and only `settings` read.
@@ -69,9 +71,10 @@ private:
     RunEnd AskUser(SAudioFile& file);
     void CreateFolders();
     RunEnd CopyFiles();
-    void CopyToTree(int index, const QString& name);
+    void CopyToTree(int index, CopyGroup& group);
     void RecordFailure(const QString& sourcePath);
     RunEnd DeleteOriginals();
+    SRowResult& RowAt(int index);
 
     std::vector<SRowResult> rows;
     QSet<QStringList> foldersLeadingOut; ///< tags whose folder is not ours to write into

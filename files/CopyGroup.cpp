@@ -1,0 +1,123 @@
+#include "files/CopyGroup.h"
+
+#include "files/FileHandle.h"
+#include "files/FilePath.h"
+#include "files/NewFile.h"
+
+#include <QFile>
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+namespace
+{
+constexpr std::size_t mostCopies = 32;
+constexpr qint64 mostBytes = 64 << 20;
+constexpr qint64 longestWait = 1000; // milliseconds
+
+bool IsFree(const QString& path)
+{
+    struct stat status;
+    return lstat(QFile::encodeName(path).constData(), &status) != 0 && errno == ENOENT;
+}
+} // namespace
+
+struct CopyGroup::SWaiting
+{
+    SWaiting(int ofRow, const QString& source, const QString& destination)
+        : row(ofRow), from(source, O_RDONLY), facts(from.Facts()),
+          copy(facts && facts->IsRegular() && IsFree(destination) ? std::make_unique<NewFile>(destination) : nullptr)
+    {}
+
+    const int row;
+    const FileHandle from;
+    const std::optional<SFileFacts> facts;
+    const std::unique_ptr<NewFile> copy;
+    QString place;
+    bool isFlushed = false;
+};
+
+CopyGroup::CopyGroup(std::function<bool()> goOnWhile, Report reportTo)
+    : goOn(std::move(goOnWhile)), report(std::move(reportTo))
+{}
+
+CopyGroup::~CopyGroup() = default;
+
+/// @p destination in the one spelling of all that may be taken for it.
+QString CopyGroup::PlaceOf(const QString& destination)
+{
+    const QString folder = FolderOf(destination);
+    if (!folders.contains(folder))
+        folders.insert(folder, ComparablePath(folder + QLatin1Char('/')));
+    return folders.value(folder) + Comparable(destination.mid(folder.size()));
+}
+
+bool CopyGroup::IsDue() const
+{
+    return waiting.size() == mostCopies || waitingBytes >= mostBytes ||
+           (!waiting.empty() && sinceFirst.hasExpired(longestWait));
+}
+
+void CopyGroup::FinishBefore(const QString& destination)
+{
+    const auto isThere = [place = waiting.empty() ? QString() : PlaceOf(destination)](const auto& each) {
+        return each->place == place;
+    };
+    if (IsDue() || std::any_of(waiting.begin(), waiting.end(), isThere))
+        Finish();
+}
+
+void CopyGroup::Add(int row, const QString& source, const QString& destination)
+{
+    auto next = std::make_unique<SWaiting>(row, source, destination);
+    if (!next->copy || !next->copy->IsOpen())
+        return report(row, {CopyResult::Failed, next->facts});
+    if (next->facts->size > mostBytes - waitingBytes)
+        Finish();
+    const NewFile::Transfer content = next->copy->CopyContent(next->from, next->facts->size, [this] {
+        if (IsDue())
+            Finish();
+        return goOn();
+    });
+    if (content != NewFile::Transfer::Done) {
+        const bool failed = content == NewFile::Transfer::Failed;
+        return report(row, {failed ? CopyResult::Failed : CopyResult::Stopped, next->facts});
+    }
+    next->copy->TakeAttributes(next->from, *next->facts);
+    next->copy->TakeTime(*next->facts);
+    next->copy->StartFlush();
+    next->place = PlaceOf(destination);
+    if (waiting.empty())
+        sinceFirst.start();
+    waitingBytes += next->facts->size;
+    waiting.push_back(std::move(next));
+    if (IsDue())
+        Finish();
+}
+
+void CopyGroup::Finish()
+{
+    const auto group = std::exchange(waiting, {});
+    waitingBytes = 0;
+    folders.clear();
+    // The first flush has the disk write down what the others are to wait for.
+    for (const auto& each : group)
+        each->isFlushed = goOn() && each->copy->Finish();
+    for (const auto& each : group) {
+        const bool isStopped = !goOn();
+        const auto now = each->from.Facts();
+        const bool appeared = !isStopped && each->isFlushed && now && IsUnchanged(*each->facts, *now) &&
+                              each->copy->Appear(NewFile::Existing::Keep);
+        const CopyResult failure = isStopped ? CopyResult::Stopped : CopyResult::Failed;
+        report(each->row, {appeared ? CopyResult::Copied : failure, each->facts});
+    }
+}
+
+bool FlushFolder(const QString& folder)
+{
+    FileHandle handle(folder, O_RDONLY);
+    return !handle.IsOpen() || handle.Flush(FileHandle::Depth::Drive);
+}

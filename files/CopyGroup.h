@@ -1,0 +1,60 @@
+#pragma once
+
+#include "files/FileFacts.h"
+
+#include <QElapsedTimer>
+#include <QHash>
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+enum class CopyResult { Copied, Failed, Stopped };
+
+struct SCopy
+{
+    CopyResult result;
+    std::optional<SFileFacts> source; ///< of the file that was copied, when it was opened
+};
+
+/// Copies regular files, each with its permissions, its times, its extended attributes and its access control lists. A
+/// copy appears whole or not at all, flushed, and replaces nothing. A source that somebody writes meanwhile is not
+/// copied.
+///
+/// Copies wait under their hidden names until a few of them are flushed together, which takes a disk hardly longer
+/// than one: at most 32 copies and 64 MB, for a second at most. A larger file waits for no other.
+class CopyGroup
+{
+public:
+    using Report = std::function<void(int row, const SCopy& copy)>;
+
+    /// Asks @p goOnWhile before each step; on a no it gives up all copies that have not appeared. It says once for each
+    /// row what became of its copy, but nothing of those that still wait when it is destroyed, and is given up.
+    CopyGroup(std::function<bool()> goOnWhile, Report reportTo);
+    ~CopyGroup();
+    Q_DISABLE_COPY(CopyGroup)
+
+    /// Finishes the group when one of its copies waits for @p destination, or for a path that a file system may take
+    /// for the same, or when the first has waited long enough.
+    void FinishBefore(const QString& destination);
+    /// Copies a file to a destination for which none is waiting.
+    void Add(int row, const QString& source, const QString& destination);
+    /// Lets everything that is waiting appear, in order.
+    void Finish();
+
+private:
+    struct SWaiting;
+    bool IsDue() const;
+    QString PlaceOf(const QString& destination);
+
+    const std::function<bool()> goOn;
+    const Report report;
+    std::vector<std::unique_ptr<SWaiting>> waiting;
+    qint64 waitingBytes = 0;
+    QElapsedTimer sinceFirst;
+    QHash<QString, QString> folders; ///< their comparable paths
+};
+
+/// Waits until the names in @p folder are on the disk, as far as it may be read. @return false when they may be lost.
+bool FlushFolder(const QString& folder);
