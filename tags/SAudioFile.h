@@ -27,8 +27,9 @@ namespace Tag
 enum Index { Artist = 1, Title, Album, Year, Genre, Track };
 }
 
-/// What each tag of a file reads as that cannot be read or carries no tags. A name with this text in it is refused.
-inline constexpr QLatin1String unknownTag("Unknown");
+/// What each tag of a file reads as that cannot be read or carries no tags. A name with this text in it is refused. Its
+/// length is given because Qt 5 would count it by strlen(), which Clang does not evaluate in a constant.
+inline constexpr QLatin1String unknownTag("Unknown", 7);
 
 /// What the program knows of one tag.
 struct STag
