@@ -2,10 +2,12 @@
 #include "demo/AudioSamples.h"
 #include "demo/Driver.h"
 #include "demo/Sandbox.h"
+#include "dialogs/DialogEditTags.h"
 #include "platform/UserSettings.h"
 #include "tags/TagManager.h"
 #include "tests/Rows.h"
 
+#include <QComboBox>
 #include <QFileOpenEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -162,6 +164,48 @@ private:
         timer->callOnTimeout(action);
         timer->start(0);
         return timer;
+    }
+
+    /// Types Escape into the window, once, at the first turn of the event loop at which @p when.
+    std::unique_ptr<QTimer> EscapeOnce(const std::function<bool()>& when)
+    {
+        return EachTurn([this, when, typed = false]() mutable {
+            if (typed || !when())
+                return;
+            typed = true;
+            QTest::keyClick(window->focusWidget(), Qt::Key_Escape);
+        });
+    }
+
+    /// Types Escape before the worker of the run that is started next can be heard; @p closed once its question is.
+    void EscapeAtStart(bool* closed = nullptr)
+    {
+        auto* const bar = Child<QProgressBar>(*window, "progressOrganize");
+        bar->setValue(1); // goes back before the worker starts
+        auto* const once = new QObject(window.get());
+        const auto type = [=] {
+            delete once;
+            QTest::keyClick(bar, Qt::Key_Escape);
+            if (closed)
+                *closed = true;
+        };
+        connect(bar, &QProgressBar::valueChanged, once, type, Qt::QueuedConnection);
+    }
+
+    static Answer Stopped()
+    {
+        return Box(QMessageBox::Information, "Operation stopped.", QMessageBox::Ok, QMessageBox::Ok);
+    }
+    /// Answers the question whether to stop; what waits for the answer has changed nothing by then.
+    Answer Stop(QMessageBox::StandardButton answer)
+    {
+        return [=](QWidget* question) {
+            const QStringList asked = Now();
+            for (int turn = 0; turn < 20; ++turn)
+                QCoreApplication::processEvents();
+            Demand(Now() == asked, "the work goes on during the question");
+            Question("Do you want to stop?", answer)(question);
+        };
     }
 
     /// Demands that the program ends by @p act, or else that it goes on.
@@ -349,6 +393,55 @@ private slots:
         QTEST(QString::number(List().row(List().selectedItems().value(0))), "selects");
     }
 
+    void keepsTheFocusNear_data()
+    {
+        const QString load = "actionLoad_Profile", skip = "checkSkipOrganize", fix = "radioFixAuto";
+        AddRows({"act", "focus"}, {{"comboOrganizeBy", load, skip},
+                                   {"comboRename", load, skip},
+                                   {"editOutputFolder", load, skip},
+                                   {"buttonBrowseOutFold", load, skip},
+                                   {"editOutputPreview", load, skip},
+                                   {"checkDeleteOriginal", load, skip},
+                                   {"checkOnlyEditInvalid", load, fix},
+                                   {"checkOnlyEditInvalid, New", "actionNew", fix},
+                                   {"listAudioFiles", load, "listAudioFiles"}});
+    }
+    void keepsTheFocusNear()
+    {
+        QFETCH(QString, act);
+        QFile profile(Home("p.ovp"));
+        QVERIFY(profile.open(QIODevice::WriteOnly) && profile.write("1\n2\n\n1\n0\n1\n/\n0\n") > 0);
+        profile.close();
+        DO("radioFixMan");
+        Child<QWidget>(*window, QByteArray(QTest::currentDataTag()).split(',').first())->setFocus();
+        DO(act, act == "actionNew" ? QList<Answer>{Yes(overwrite)}
+                                   : QList<Answer>{Yes(loseSettings), Files("Load profile", "p.ovp")});
+        QTEST(window->focusWidget()->objectName(), "focus");
+    }
+
+    void wheel()
+    {
+        const auto turn = [](const QObject& parent, const char* comboBox) {
+            auto* const box = Child<QComboBox>(parent, comboBox);
+            QWheelEvent wheel({1, 1}, box->mapToGlobal(QPoint(1, 1)), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+                              Qt::NoScrollPhase, false);
+            QSpontaneKeyEvent::setSpontaneous(&wheel); // as from the system, by which a widget may get the focus
+            qApp->notify(box, &wheel);
+        };
+        before = Now();
+        turn(*window, "comboOrganizeBy");
+        turn(*window, "comboRename");
+        CHANGED("wheel without the focus", "");
+        Child<QWidget>(*window, "comboRename")->setFocus();
+        turn(*window, "comboRename");
+        CHANGED("wheel with the focus", "title=Orvanto*; comboRename=Artist-Title (Year)");
+        const Answer search = [turn](QWidget* dialog) {
+            turn(*dialog, "comboSearchMask");
+            Fill("buttonCancel")(dialog);
+        };
+        STEP("buttonAdd Search", {search}, "");
+    }
+
     void takesPathsFromOutside()
     {
         auto* const folder = Child<QLineEdit>(*window, "editOutputFolder");
@@ -502,6 +595,33 @@ private slots:
         QCOMPARE(Artist(last), QString("All"));
     }
 
+    void startsWhereTheGapIs_data()
+    {
+        AddRows({"mode", "tags", "focus"}, {{"artist", "0", "|T|L|1999|G|7", "editArtist"},
+                                            {"first of two", "1", "A||L|1999||7", "editTitle"},
+                                            {"unknown", "0", "A|T|Unknown|1999|G|7", "editAlbum"},
+                                            {"no year", "0", "A|T|L|0|G|7", "editYear"},
+                                            {"emptied year", "1", "A|T|L||G|7", "editYear"},
+                                            {"no track", "0", "A|T|L|1999|G|0", "editTrack"},
+                                            {"no gap", "1", "A|T|L|1999|G|7", "editArtist"},
+                                            {"not in a run", "2", "A||L|1999|G|7", "editArtist"}});
+    }
+    void startsWhereTheGapIs()
+    {
+        QFETCH(QString, mode);
+        QFETCH(QString, tags);
+        DialogEditTags dialog(window.get(), mode.toInt());
+        const QStringList texts = tags.split('|');
+        dialog.SetFile({texts[1], texts[0], texts[2], texts[3], texts[4], texts[5], "/x.mp3"});
+        Answers answers({[](QWidget* editor) {
+            const auto* const field = qobject_cast<QLineEdit*>(editor->focusWidget());
+            QTEST(field->objectName(), "focus");
+            QCOMPARE(field->selectedText(), field->text());
+            editor->close();
+        }});
+        dialog.exec();
+    }
+
     void runs()
     {
         Put("bare.mp3", "in/Ann - Song.mp3");
@@ -643,6 +763,80 @@ private slots:
         ENDS("actionExit", {prompt(QMessageBox::Yes), Files("Save profile", "Documents/p.ovp")});
         CHANGED("saving a profile", "title=Orvanto - p (closed); ~/Documents=p.ovp");
         ENDS("close", {});
+    }
+
+    void stopsInTheMiddle()
+    {
+        OpenSettings().setValue("SkipSocial", 1);
+        const auto tag = [](const QString& path) {
+            TagManager().WriteFile({"T", "www.", "L", "1999", "G", "7", path});
+        };
+        for (int i = 0; i < 100; ++i)
+            tag(PutSample("full.spx", Home(QString("in/%1.spx").arg(i))));
+        QVERIFY(QDir().mkpath(Home("empty/sub")));
+        int turns = 0;
+        const auto adds = [&] { return Status() == "Updating audio file list..." && ++turns > 20; };
+        const auto artist = [this](int row) { return Artist(List().item(row)->text()); };
+
+        auto escape = EscapeOnce([this] { return Status() == "Updating audio file list..."; });
+        STEP("drop empty|in/1.spx", {Stop(QMessageBox::Yes)}, ""); // while folders are read
+        escape = EscapeOnce(adds);
+        DO("drop in", {Stop(QMessageBox::Yes)});
+        QVERIFY(List().count() > 0 && List().count() < 100);
+        turns = 0;
+        escape = EscapeOnce(adds);
+        DO("drop in", {Stop(QMessageBox::No)});
+        QCOMPARE(List().count(), 100);
+
+        const auto edit = [&](int line, const char* typed, QMessageBox::StandardButton answer, const char* last) {
+            escape = EscapeOnce([=] { return artist(0) == typed; });
+            Do(line, "row 0 Batch Edit Tags",
+               {Fill("editArtist " + QString(typed) + "; buttonOK"), Yes(applyTags), Stop(answer)});
+            DemandSame("the artist of the last file", artist(99), QString(last));
+            Do(line, "keys End");
+            DemandSame("the artist in the list", Now().filter("textInfo=Artist: " + QString(last)).size(), 1);
+        };
+        DO("press 0");
+        TELL(edit(__LINE__, "www.1", QMessageBox::No, "www.1"));
+        TELL(edit(__LINE__, "www.2", QMessageBox::Yes, "www.1"));
+
+        DO("comboRename 0; comboOrganizeBy 0; editOutputFolder " + Home("out"));
+        escape = EscapeOnce([=] { return artist(50).isEmpty(); });
+        DO("buttonOrganize", {Stop(QMessageBox::Yes), Stopped()});
+        QCOMPARE(artist(99), QString("www.1"));
+        QVERIFY(!QFile::exists(Home("out")));
+        QVERIFY(Bytes(Home("Documents/Orvanto/Orvanto.log")).contains("\n\nOperation stopped.\n---"));
+    }
+
+    void stopsRuns()
+    {
+        OpenSettings().setValue("SkipSocial", 1);
+        Put("full.mp3", "in/1.mp3");
+        Put("bare.mp3", "in/2.mp3|in/3.mp3");
+        DO("drop in/1.mp3|in/2.mp3|in/3.mp3; comboRename 0; comboOrganizeBy 0; editOutputFolder " + Home("out"));
+        const Answer loses = [this](QWidget* question) {
+            QVERIFY(QFile::remove(Home("in/3.mp3")));
+            Stop(QMessageBox::Yes)(question);
+        };
+        EscapeAtStart();
+        DO("buttonOrganize", {loses, Stopped()});
+        QVERIFY(!QFile::exists(Home("out")));
+        QCOMPARE(List().count(), 2); // the files that are still there
+        // The tag editor waits for the answer.
+        EscapeAtStart();
+        DO("buttonOrganize",
+           {Stop(QMessageBox::No), Fill("editArtist A; editAlbum L; editYear 1; editGenre G; editTrack 2; buttonOK"),
+            Success()});
+        QCOMPARE(FilesBelow(Home("out")).size(), 2);
+        // A run that ends first takes the question with it.
+        QDir(Home("out")).removeRecursively();
+        bool closed = false;
+        EscapeAtStart(&closed);
+        Click(*window, "buttonOrganize");
+        QVERIFY(QTest::qWaitFor([&] { return closed; }));
+        QCOMPARE(FilesBelow(Home("out")).size(), 2);
+        Answers answers({Success()});
+        answers.Finish();
     }
 
     void endsInTheMiddle()

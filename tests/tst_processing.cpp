@@ -233,6 +233,8 @@ private slots:
         Organise("0 0 out abort delete");
         QVERIFY(worker->end == RunEnd::Interrupted);
         QCOMPARE(Tree(), QString("1|2|3"));
+        QCOMPARE(ReportOf(worker->end, failureHeading + "/1\n").logged,
+                 QString("Operation stopped.\n\nCould not copy the following:\n\n/1\n"));
     }
 };
 
