@@ -221,14 +221,10 @@ std::optional<SSoundLayout> RiffLayout(EditedFile& file, qint64 start)
         const QByteArray header = file.Read(position, 12);
         const QByteArray name = header.left(4);
         const qint64 chunkEnd = position + 8 + static_cast<qint64>(NumberIn(header, 4, 4, order));
-        if (chunkEnd > end)
-            return std::nullopt;
         if (!IsOneOf(name, {"ID3 ", "id3 "}) && !(name == "LIST" && header.mid(8) == "INFO"))
             layout.ranges.push_back({position, chunkEnd - position});
         position = chunkEnd + chunkEnd % 2;
     }
-    if (position < end)
-        return std::nullopt;
     return layout;
 }
 

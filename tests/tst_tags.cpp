@@ -262,8 +262,9 @@ private slots:
         add("mp4, moov to the end", "x.mp4", Damaged("bare.mp4", "moov", -4, 0), false);
         add("mp4, offsets of another kind", "x.mp4", QuickTimeMp4() + Atom("meta", Number(0) + Atom("iloc", "")),
             false);
-        add("mp4, a bit of a count", "x.mp4", Damaged("bare.mp4", "stco", 8, 1 << 30), false, unreadable);
+        add("mp4, a bit of a count", "x.mp4", Damaged("bare.mp4", "stco", 8, 1 + (1 << 5)), false, unreadable);
         add("mp4, atom longer than its holder", "x.mp4", Damaged("bare.mp4", "stsz", -4, 5000), false, unreadable);
+        add("mp4, cut off", "x.mp4", QuickTimeMp4().chopped(100), false, unreadable);
         add("mp4, 100,000 nested atoms", "x.mp4", Atom("ftyp", "isom") + nested, false, unreadable);
         add("mp4, a million atoms", "x.mp4", flood, false, unreadable);
 
@@ -278,6 +279,7 @@ private slots:
 
         add("flac, comment into the sound", "x.flac", Damaged("bare.flac", "reference", -8, 0x84000100), false);
         add("wv, tag into the sound", "x.wv", Damaged("full.wv", "APETAGEX", 12, 700, true), false);
+        add("asf, header into the sound", "x.asf", Damaged("bare.asf", "\x30\x26\xb2\x75", 16, 700, true), false);
         add("ogg, torn page", "x.ogg", Sample("bare.ogg").left(2700).replace(2640, 4, "Oops"), false);
     }
     void filesThatContradictThemselves()
