@@ -14,3 +14,10 @@ void PrepareQt()
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 #endif
 }
+
+void WriteInUtf8([[maybe_unused]] QSettings& settings)
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    settings.setIniCodec("UTF-8");
+#endif
+}

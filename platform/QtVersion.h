@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSettings>
 #include <QUrl>
 
 /// What differs between Qt 5 and Qt 6. Nothing else asks for the version.
@@ -7,6 +8,9 @@
 /// Says what only one of them has to be told before the application object exists: to scale, to draw sharp pictures,
 /// and that file names are UTF-8.
 void PrepareQt();
+
+/// Has the settings written as UTF-8 where they are a text file, so that each of the two reads what the other wrote.
+void WriteInUtf8(QSettings& settings);
 
 /// The sizes that macOS draws controls in: the attributes that ask for one of them.
 inline constexpr Qt::WidgetAttribute controlSizes[] = {

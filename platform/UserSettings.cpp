@@ -1,5 +1,7 @@
 #include "platform/UserSettings.h"
 
+#include "platform/QtVersion.h"
+
 #include <QStandardPaths>
 #include <QStringList>
 
@@ -11,9 +13,14 @@ QString FirstLocation(QStandardPaths::StandardLocation type)
 }
 } // namespace
 
-QSettings OpenSettings()
+SettingsStore::SettingsStore() : QSettings(QStringLiteral("Orvanto"), QStringLiteral("Orvanto"))
 {
-    return QSettings(QStringLiteral("Orvanto"), QStringLiteral("Orvanto"));
+    WriteInUtf8(*this);
+}
+
+SettingsStore OpenSettings()
+{
+    return {};
 }
 
 QString StoredFolder(const QString& key)

@@ -15,8 +15,15 @@ inline const QString searchMask = QStringLiteral("SearchMask");
 inline const QString skipSocial = QStringLiteral("SkipSocial");
 } // namespace SettingsKey
 
+/// The settings store. Where it is a text file, Qt 5 and Qt 6 read it alike.
+class SettingsStore : public QSettings
+{
+public:
+    SettingsStore();
+};
+
 /// Opens the settings store. Each handler opens its own; nothing caches it.
-QSettings OpenSettings();
+SettingsStore OpenSettings();
 
 /// The folder stored under @p key; when there is none or something else, the first of the desktop's music locations.
 QString StoredFolder(const QString& key);

@@ -551,6 +551,20 @@ private slots:
              "title=Orvanto - my.set*; radioFixAuto=true; radioFixMan=false; checkOnlyEditInvalid=false (off)");
     }
 
+    void readsOlderSettings()
+    {
+        const QString folder = "/Müsik/日";
+        OpenSettings().setValue("OutputFolderPath", folder);
+        QFile store(OpenSettings().fileName());
+        if (!store.fileName().endsWith(".conf"))
+            QSKIP("The store is no text file here.");
+        QVERIFY(Bytes(store.fileName()).contains("=/Müsik/日\n")); // which every later Qt reads
+        QVERIFY(store.open(QIODevice::WriteOnly) &&
+                store.write("[General]\nOutputFolderPath=/M\\xfcsik/\\x65e5\n") > 0);
+        store.close();
+        QCOMPARE(StoredFolder(SettingsKey::outputFolder), folder);
+    }
+
     void editsTags()
     {
         const QString first = Home("x/1<i>.mp3"), last = Home("x/a.wav");
