@@ -231,12 +231,35 @@ Outside::Outside()
 {
     for (const char* scheme : {"http", "file"})
         QDesktopServices::setUrlHandler(QString::fromLatin1(scheme), this, "Open");
+#ifdef Q_OS_MACOS
+    // There, "open -a APPLICATION PATH" hands a file over.
+    QFile open(programs.filePath("open"));
+    if (!open.open(QIODevice::WriteOnly) || open.write("#!/bin/sh\necho \"$3\" >>\"$0.log\"\n") < 0 ||
+        !open.setPermissions(QFile::ReadUser | QFile::ExeUser))
+        qFatal("cannot make %s", qPrintable(open.fileName()));
+    qputenv("PATH", QFile::encodeName(programs.path()) + ':' + programFolders);
+#endif
 }
 
 Outside::~Outside()
 {
     for (const char* scheme : {"http", "file"})
         QDesktopServices::unsetUrlHandler(QString::fromLatin1(scheme));
+    qputenv("PATH", programFolders);
+}
+
+QStringList Outside::Take()
+{
+#ifdef Q_OS_MACOS
+    QTest::qWait(200); // milliseconds; the program does not wait for the other one
+    QFile log(programs.filePath("open.log"));
+    if (log.open(QIODevice::ReadOnly)) {
+        for (const QByteArray& path : log.readAll().trimmed().split('\n'))
+            Open(QUrl::fromLocalFile(QFile::decodeName(path)));
+        log.remove();
+    }
+#endif
+    return std::exchange(opened, {});
 }
 
 void Outside::Open(const QUrl& url)

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QMessageBox>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
 
@@ -69,10 +70,16 @@ public:
     Outside();
     ~Outside() override;
 
-    QStringList opened; ///< the addresses, encoded; "~" is the home folder
+    /// The addresses since the last call, encoded; "~" is the home folder.
+    QStringList Take();
 
 private slots:
     void Open(const QUrl& url);
+
+private:
+    QStringList opened;
+    QTemporaryDir programs; ///< on macOS, the first place where the system looks for "open"
+    const QByteArray programFolders = qgetenv("PATH");
 };
 
 using Answer = std::function<void(QWidget*)>;

@@ -7,6 +7,7 @@
 #include <QDesktopServices>
 #include <QUrl>
 #endif
+#include <QStandardPaths>
 
 namespace
 {
@@ -22,7 +23,12 @@ void OpenWith([[maybe_unused]] const QString& application, const QString& path)
 
 void PlayInMusicApplication(const QString& path)
 {
-    OpenWith(QStringLiteral("iTunes"), path);
+    // macOS has had Music instead since 10.15.
+    const QString old = QStringLiteral("iTunes");
+    const bool isThere = !QStandardPaths::locate(QStandardPaths::ApplicationsLocation, old + QStringLiteral(".app"),
+                                                 QStandardPaths::LocateDirectory)
+                              .isEmpty();
+    OpenWith(isThere ? old : QStringLiteral("Music"), path);
 }
 
 void ShowInTextEditor(const QString& path)

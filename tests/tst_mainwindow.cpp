@@ -124,11 +124,10 @@ private:
     {
         QStringList now = Now();
         now.swap(before);
-        QStringList seen = before + moves + outside->opened.replaceInStrings(QRegularExpression("^"), "opened=");
+        QStringList seen = before + moves + outside->Take().replaceInStrings(QRegularExpression("^"), "opened=");
         for (const QString& line : now)
             seen.removeOne(line);
         moves.clear();
-        outside->opened.clear();
         DemandSeen(seen.replaceInStrings(Sandbox::Home(), "~"), expected);
     }
     void Changed(int line, const QString& act, const QString& expected)
