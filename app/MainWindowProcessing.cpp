@@ -5,7 +5,7 @@
 #include "dialogs/DialogSocial.h"
 #include "dialogs/Prompts.h"
 #include "files/FilePath.h"
-#include "files/WholeFile.h"
+#include "files/TextFile.h"
 #include "naming/OutputPath.h"
 #include "platform/UserSettings.h"
 #include "processing/RunLog.h"

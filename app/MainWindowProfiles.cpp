@@ -2,7 +2,7 @@
 
 #include "dialogs/Prompts.h"
 #include "files/FilePath.h"
-#include "files/WholeFile.h"
+#include "files/TextFile.h"
 #include "naming/ProfileText.h"
 #include "platform/UserSettings.h"
 

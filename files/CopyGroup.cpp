@@ -1,15 +1,11 @@
 #include "files/CopyGroup.h"
 
+#include "files/FailureLog.h"
 #include "files/FileHandle.h"
 #include "files/FilePath.h"
 #include "files/NewFile.h"
 
-#include <QFile>
-
-#include <sys/stat.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <utility>
 
 namespace
@@ -17,28 +13,33 @@ namespace
 constexpr std::size_t mostCopies = 32;
 constexpr qint64 mostBytes = 64 << 20;
 constexpr qint64 longestWait = 1000; // milliseconds
-
-bool IsFree(const QString& path)
-{
-    struct stat status;
-    return lstat(QFile::encodeName(path).constData(), &status) != 0 && errno == ENOENT;
-}
 } // namespace
 
 struct CopyGroup::SWaiting
 {
-    SWaiting(int ofRow, const QString& source, const QString& destination)
-        : row(ofRow), from(source, O_RDONLY), facts(from.Facts()),
-          copy(facts && facts->IsRegular() && IsFree(destination) ? std::make_unique<NewFile>(destination) : nullptr)
+    SWaiting(int ofRow, const QString& sourcePath, const QString& destination)
+        : row(ofRow), source(sourcePath), from(source, O_RDONLY), facts(from.Facts()),
+          copy(facts && facts->IsRegular() ? std::make_unique<NewFile>(destination) : nullptr)
     {}
+    QString Reason() const;
 
     const int row;
+    const QString source;
     const FileHandle from;
     const std::optional<SFileFacts> facts;
     const std::unique_ptr<NewFile> copy;
     QString place;
     bool isFlushed = false;
+    QString flushReason; ///< why not
 };
+
+/// Why the last call failed for this copy.
+QString CopyGroup::SWaiting::Reason() const
+{
+    const QString reason = SystemReason();
+    const auto now = from.Facts();
+    return now && !IsUnchanged(*facts, *now) ? QStringLiteral("Another program has changed it meanwhile") : reason;
+}
 
 CopyGroup::CopyGroup(std::function<bool()> goOnWhile, Report reportTo)
     : goOn(std::move(goOnWhile)), report(std::move(reportTo))
@@ -73,8 +74,10 @@ void CopyGroup::FinishBefore(const QString& destination)
 void CopyGroup::Add(int row, const QString& source, const QString& destination)
 {
     auto next = std::make_unique<SWaiting>(row, source, destination);
-    if (!next->copy || !next->copy->IsOpen())
+    if (!next->copy || !next->copy->IsOpen()) {
+        LogFailure(notCopied, source);
         return report(row, {CopyResult::Failed, next->facts});
+    }
     if (next->facts->size > mostBytes - waitingBytes)
         Finish();
     const NewFile::Transfer content = next->copy->CopyContent(next->from, next->facts->size, [this] {
@@ -84,6 +87,8 @@ void CopyGroup::Add(int row, const QString& source, const QString& destination)
     });
     if (content != NewFile::Transfer::Done) {
         const bool failed = content == NewFile::Transfer::Failed;
+        if (failed)
+            LogFailure(notCopied, source, next->Reason());
         return report(row, {failed ? CopyResult::Failed : CopyResult::Stopped, next->facts});
     }
     next->copy->TakeAttributes(next->from, *next->facts);
@@ -104,20 +109,19 @@ void CopyGroup::Finish()
     waitingBytes = 0;
     folders.clear();
     // The first flush has the disk write down what the others are to wait for.
-    for (const auto& each : group)
+    for (const auto& each : group) {
         each->isFlushed = goOn() && each->copy->Finish();
+        if (!each->isFlushed)
+            each->flushReason = each->Reason();
+    }
     for (const auto& each : group) {
         const bool isStopped = !goOn();
         const auto now = each->from.Facts();
         const bool appeared = !isStopped && each->isFlushed && now && IsUnchanged(*each->facts, *now) &&
                               each->copy->Appear(NewFile::Existing::Keep);
         const CopyResult failure = isStopped ? CopyResult::Stopped : CopyResult::Failed;
+        if (!appeared && !isStopped)
+            LogFailure(notCopied, each->source, each->isFlushed ? each->Reason() : each->flushReason);
         report(each->row, {appeared ? CopyResult::Copied : failure, each->facts});
     }
-}
-
-bool FlushFolder(const QString& folder)
-{
-    FileHandle handle(folder, O_RDONLY);
-    return !handle.IsOpen() || handle.Flush(FileHandle::Depth::Drive);
 }

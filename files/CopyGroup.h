@@ -55,6 +55,3 @@ private:
     QElapsedTimer sinceFirst;
     QHash<QString, QString> folders; ///< their comparable paths
 };
-
-/// Waits until the names in @p folder are on the disk, as far as it may be read. @return false when they may be lost.
-bool FlushFolder(const QString& folder);

@@ -1,5 +1,6 @@
 #include "files/EditedFile.h"
 
+#include "files/FailureLog.h"
 #include "files/NewFile.h"
 
 #include <QFileInfo>
@@ -9,6 +10,7 @@
 namespace
 {
 constexpr qint64 longestBlock = 1 << 28; // bytes
+const QString unreadable = QStringLiteral("Parts of it cannot be read, or it is damaged");
 } // namespace
 
 EditedFile::EditedFile(const QString& filePath) : path(filePath), original(path, O_RDONLY), facts(original.Facts())
@@ -145,8 +147,13 @@ bool EditedFile::IsUntouched() const
 EditedFile::Saved EditedFile::Save(const std::function<bool()>& goOn)
 {
     FileHandle target(path, O_RDWR);
-    if (!valid || !target.IsOpen())
-        return IsUntouched() ? Saved::NotAtAll : Saved::Overtaken;
+    if (!valid || !target.IsOpen()) {
+        const QString reason = valid ? SystemReason() : unreadable;
+        if (!IsUntouched())
+            return Saved::Overtaken;
+        LogFailure(notSaved, path, reason);
+        return Saved::NotAtAll;
+    }
     if (KeepsPlaces())
         return Patch(target, goOn);
     target.Close();
@@ -205,13 +212,16 @@ EditedFile::Saved EditedFile::Patch(FileHandle& target, const std::function<bool
     const auto now = target.Facts();
     if (!now || !IsUnchanged(*facts, *now))
         return Saved::Overtaken;
-    if (!valid)
+    if (!valid) {
+        LogFailure(notSaved, path, unreadable);
         return Saved::NotAtAll;
+    }
     // From the end: where there is no room for more, nothing has been touched yet.
     const bool written = std::all_of(patches.rbegin(), patches.rend(),
                                      [&](const SPatch& patch) { return target.Write(patch.position, patch.after); });
     if (written && (size >= facts->size || target.Resize(size)) && target.Flush())
         return Saved::Whole;
+    LogFailure(notSaved, path);
     for (const SPatch& patch : patches)
         target.Write(patch.position, patch.before);
     target.Resize(facts->size);
@@ -243,10 +253,18 @@ EditedFile::Saved EditedFile::Rewrite(const std::function<bool()>& goOn)
         copy.TakeAttributes(original, *facts);
         written = copy.Finish();
     }
+    QString reason = valid ? SystemReason() : unreadable;
     // Some servers refuse to give a new file the name of one that is open.
     original.Close();
     // As late as can be: what somebody else writes while we do comes first.
     if (!IsUntouched())
         return Saved::Overtaken;
-    return written && copy.Appear(NewFile::Existing::Replace) ? Saved::Whole : Saved::NotAtAll;
+    if (written) {
+        if (copy.Appear(NewFile::Existing::Replace))
+            return Saved::Whole;
+        reason = SystemReason();
+    }
+    if (goOn())
+        LogFailure(notSaved, path, reason);
+    return Saved::NotAtAll;
 }

@@ -12,8 +12,8 @@ bool operator==(const timespec& left, const timespec& right)
 } // namespace
 
 SFileFacts::SFileFacts(const struct stat& status)
-    : device(static_cast<quint64>(status.st_dev)), inode(status.st_ino), size(status.st_size), mode(status.st_mode),
-      owner(status.st_uid), group(status.st_gid),
+    : device(static_cast<quint64>(status.st_dev)), inode(status.st_ino), size(status.st_size), names(status.st_nlink),
+      mode(status.st_mode), owner(status.st_uid), group(status.st_gid),
 #ifdef Q_OS_MACOS
       accessed(status.st_atimespec), modified(status.st_mtimespec), changed(status.st_ctimespec)
 #else

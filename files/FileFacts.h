@@ -16,7 +16,8 @@ struct SFileFacts
 
     quint64 device;
     quint64 inode;
-    qint64 size; ///< bytes
+    qint64 size;   ///< bytes
+    quint64 names; ///< that it has: one more for each hard link
     mode_t mode;
     uid_t owner;
     gid_t group;

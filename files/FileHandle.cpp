@@ -67,7 +67,7 @@ FileHandle::~FileHandle()
 std::optional<SFileFacts> FileHandle::Facts() const
 {
     struct stat status;
-    if (fstat(descriptor, &status) != 0)
+    if (!IsOpen() || fstat(descriptor, &status) != 0)
         return std::nullopt;
     return SFileFacts(status);
 }

@@ -1,6 +1,6 @@
 #include "files/NewFile.h"
 
-#include "files/HiddenFile.h"
+#include "files/FileNames.h"
 
 #include <QFile>
 

@@ -1,9 +1,9 @@
 #include "processing/OriginalsDeletion.h"
 
-#include "files/CopyGroup.h"
+#include "files/FailureLog.h"
 #include "files/FileHandle.h"
+#include "files/FileNames.h"
 #include "files/FilePath.h"
-#include "files/HiddenFile.h"
 #include "naming/OutputPath.h"
 
 #include <QFileInfo>
@@ -53,12 +53,21 @@ bool OriginalsDeletion::Delete(const SAudioFile& file, const SRowResult& row)
         (row.outcome == Outcome::WasThere || (IsUnchanged(*row.source, source) && there->size == source.size));
     // A file that was there already may be the source itself, mounted twice.
     const bool mayBeItself = row.outcome == Outcome::WasThere && there && there->device != now->device;
-    const FileHandle handle(file.Path, O_RDONLY);
-    if (!isProven || (!RemoveFile(file.Path, mayBeItself ? destination : QString()) && mayBeItself)) {
+    FileHandle underOtherNames;
+    if (now->names > 1)
+        underOtherNames = FileHandle(file.Path, O_RDONLY);
+    const bool isRemoved = isProven && RemoveFile(file.Path, mayBeItself ? destination : QString());
+    if (!isRemoved) {
+        LogFailure("Could not delete", file.Path,
+                   !isProven     ? QStringLiteral("It or its copy has changed, or may be lost")
+                   : mayBeItself ? QStringLiteral("It may be its own copy")
+                                 : SystemReason());
+    }
+    if (!isProven || (mayBeItself && !isRemoved)) {
         keptFiles.insert(now->Identity()); // under its other names, too
         return false;
     }
-    if (const auto after = handle.Facts())
+    if (const auto after = underOtherNames.Facts())
         unlinked.insert_or_assign(now->Identity(), SUnlinked{source, *after});
     return true;
 }

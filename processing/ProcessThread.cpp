@@ -1,6 +1,7 @@
 #include "processing/ProcessThread.h"
 
 #include "files/CopyGroup.h"
+#include "files/FailureLog.h"
 #include "files/FilePath.h"
 #include "naming/OutputPath.h"
 #include "naming/StandIns.h"
@@ -232,8 +233,13 @@ void ProcessThread::CopyToTree(int index, CopyGroup& group)
     outputPaths += destination;
     group.FinishBefore(destination);
     const auto source = FactsOf(file.Path);
+    const bool leadsOut = foldersLeadingOut.contains(FolderTags(file, settings.organizeBy));
     // A pipe or a device in the source's place must not count as copied.
-    if (!source || !source->IsRegular() || foldersLeadingOut.contains(FolderTags(file, settings.organizeBy))) {
+    if (!source || !source->IsRegular() || leadsOut) {
+        LogFailure(notCopied, file.Path,
+                   !source    ? SystemReason()
+                   : leadsOut ? QStringLiteral("A link leads out of the output folder")
+                              : QStringLiteral("It is no regular file"));
         RowAt(index).outcome = Outcome::Failed;
     } else if (QFileInfo(destination).isFile()) {
         // It is kept, and that is no failure. The two are compared at once: there are file systems that make inode

@@ -1,5 +1,6 @@
 #include "tags/TagManager.h"
 
+#include "files/FailureLog.h"
 #include "files/FilePath.h"
 #include "tags/AudioSignature.h"
 #include "tags/PieceStream.h"
@@ -136,8 +137,10 @@ bool TagManager::SetTags(const TagValues& values) const
             if (!hasTags || !Edit(stream, file, values) || stream.File().Save(goOn) != EditedFile::Saved::Overtaken)
                 break;
         }
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
         // Damaged files make TagLib ask for more than there is.
+        if (goOn())
+            LogFailure(notSaved, path, QString::fromUtf8(error.what()));
     }
     return hasTags;
 }
@@ -158,13 +161,22 @@ bool TagManager::Edit(PieceStream& stream, TagLib::FileRef file, const TagValues
         return false;
     const auto layoutOf = [](EditedFile& content) { return FindSignature(content).Layout(content); };
     const auto before = layoutOf(stream.File());
-    if (!before || !file.save())
+    const auto refuse = [this](const char* reason) {
+        LogFailure(notSaved, path, QLatin1String(reason));
         return false;
+    };
+    if (!before)
+        return refuse("Sizes in it contradict what is there");
+    if (!file.save())
+        return refuse("TagLib could not edit it");
     if (const auto edited = layoutOf(stream.File()))
         CorrectOffsets(*before, *edited, stream.File());
     const auto now = layoutOf(stream.File());
-    return now && HasMovedWhole(*before, *now, stream.File()) &&
-           HaveSameTags(Record(&tag), Record(TagOf(CreateFileRef(stream, false))));
+    if (!now || !HasMovedWhole(*before, *now, stream.File()))
+        return refuse("The edit would not leave the sound where players look for it");
+    if (!HaveSameTags(Record(&tag), Record(TagOf(CreateFileRef(stream, false)))))
+        return refuse("The tags would not read back as written");
+    return true;
 }
 
 SAudioFile TagManager::ReadTags() const

@@ -1,6 +1,6 @@
 #include "demo/AudioSamples.h"
 #include "files/CopyGroup.h"
-#include "files/WholeFile.h"
+#include "files/TextFile.h"
 #include "tags/PieceStream.h"
 #include "tags/TagManager.h"
 

@@ -172,6 +172,9 @@ private slots:
         QVERIFY(QDir().mkpath(In("out/folder.mp3")) && QFile::remove(In("in/4.mp3")) && QFile::remove(In("in/6.mp3")));
         QVERIFY(mkfifo(QFile::encodeName(In("in/6.mp3")), 0600) == 0);
         QVERIFY(QFile::link(In("in/5.mp3"), In("out/linked.mp3"))); // deleting the source would leave nothing
+        for (const char* why : {"1.mp3: File exists", "2.mp3: File name too long", "4.mp3: No such file or directory",
+                                "6.mp3: It is no regular file"})
+            QTest::ignoreMessage(QtWarningMsg, qPrintable("Could not copy " + In("in/") + why)); // which must come
         Organise("0 1 out abort delete");
         QCOMPARE(Left(), QString("failed: 1|2|4|6, left: 1|2|5|out/linked"));
         QVERIFY(worker->files.isEmpty());

@@ -12,3 +12,6 @@ bool RenameToFreeName(const QString& from, const QString& to);
 /// renamed aside, to a hidden name of the kind "original-": the two may be one file, mounted twice, although everything
 /// that the system says of them differs. @return false when the file is still there.
 bool RemoveFile(const QString& path, const QString& other = {});
+
+/// Waits until the names in @p folder are on the disk, as far as it may be read. @return false when they may be lost.
+bool FlushFolder(const QString& folder);

@@ -1,4 +1,4 @@
-#include "files/HiddenFile.h"
+#include "files/FileNames.h"
 
 #include "files/FileHandle.h"
 #include "files/FilePath.h"
@@ -70,4 +70,10 @@ bool RemoveFile(const QString& path, const QString& other)
         return true;
     RenameToFreeName(aside, path);
     return false;
+}
+
+bool FlushFolder(const QString& folder)
+{
+    FileHandle handle(folder, O_RDONLY);
+    return !handle.IsOpen() || handle.Flush(FileHandle::Depth::Drive);
 }

@@ -1,5 +1,6 @@
-#include "files/WholeFile.h"
+#include "files/TextFile.h"
 
+#include "files/FailureLog.h"
 #include "files/FileHandle.h"
 
 #include <QFileInfo>
@@ -12,11 +13,10 @@ bool WriteWholeFile(const QString& path, const QByteArray& content)
         return AppendToFile(path, content);
     QSaveFile file(old.exists() ? old.canonicalFilePath() : path); // every link stays one
     file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    file.write(content);
-    file.commit();
-    return true;
+    const bool isOpen = file.open(QIODevice::WriteOnly);
+    if (!isOpen || file.write(content) != content.size() || !file.commit())
+        LogFailure("Could not write", path, file.errorString());
+    return isOpen;
 }
 
 bool AppendToFile(const QString& path, const QByteArray& bytes)
