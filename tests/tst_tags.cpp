@@ -159,9 +159,10 @@ private slots:
         // Beyond U+FFFF, both normalisation forms, and ten thousand characters. A path may come in either form. The
         // content says what a file is, whatever its name says.
         SAudioFile file{"𝄞 😀 𠀀", "é e\u0301", QString(10000, 'x'), "2024", "Ünïcode", "12", {}};
+        QVERIFY(QDir::setCurrent(folder->path())); // the folder's own path is in one form
         QByteArray underItsName;
         for (const QString& name : QStringList(extension) + AudioExtensions()) {
-            file.Path = In("é." + name);
+            file.Path = "é." + name;
             const QString stored = file.Path.normalized(QString::NormalizationForm_D);
             QFile::remove(stored);
             PutSample("bare." + extension, stored);
