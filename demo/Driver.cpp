@@ -318,6 +318,7 @@ void Answers::Look()
     }
     answered = shown;
     ticks = 0;
+    Demand(popup || shown->windowHandle()->transientParent(), "a dialog belongs to no window");
     answers.takeFirst()(shown);
     if (answered && !answered->isVisible())
         answered.clear(); // the same menu may come up again

@@ -7,14 +7,19 @@
 #include "tags/TagManager.h"
 #include "tests/Rows.h"
 
+#include <QClipboard>
 #include <QComboBox>
 #include <QFileOpenEvent>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QProgressBar>
+#include <QToolTip>
+
+#include <sys/stat.h>
 
 namespace
 {
@@ -78,6 +83,11 @@ private:
     static QString Artist(const QString& path) { return TagManager().ReadFile(path).Artist; }
     static Answer Yes(const QString& question) { return Question(question, QMessageBox::Yes); }
     static Answer No(const QString& question) { return Question(question, QMessageBox::No); }
+    static Answer Unsaved(QMessageBox::StandardButton answer)
+    {
+        return Box(QMessageBox::Question, "You have unsaved changes. Do you want to save your settings?",
+                   QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, answer);
+    }
     QListWidget& List() const { return *Child<QListWidget>(*window, "listAudioFiles"); }
     QPoint Place(int row) const { return List().visualItemRect(List().item(row)).center(); }
     QString Status() const { return Child<QLabel>(*window, "textProgress")->text(); }
@@ -260,7 +270,9 @@ private slots:
         Put("bare.ogg", "lib/.h.ogg");
         Put("full.flac", "lib/sub/d.flac");
         Put("full.spx", "other/f.spx");
-        QVERIFY(QFile::link(Home("other"), Home("lib/sub/link")) && QFile::link(Home("lib/b.mp3"), Home("lib/l.mp3")));
+        QVERIFY(QFile::link(Home("other"), Home("lib/sub/link")));
+        QVERIFY(QFile::link(Home("lib/b.mp3"), Home("lib/l.mp3")));
+        QCOMPARE(mkfifo(QFile::encodeName(Home("lib/pipe.mp3")), 0600), 0);
         const auto drops = EachTurn([this] { // which adds nothing while files are being added
             if (Status() == "Updating audio file list...")
                 DropOn(*window, {Home("late")});
@@ -276,6 +288,8 @@ private slots:
              all + "; Updating 16% 33% 50% 66% 83%");
         STEP("buttonAdd File(s)", {Files(files, "lib/notes.txt|lib/b.mp3|other/f.spx|other/f.spx", "Music")},
              all + "|~/other/f.spx; [AddFilesPath]=~/lib; Updating" + seven);
+        STEP("buttonAdd File(s)", {Files(files, "lib/pipe.mp3")},
+             all + "|~/other/f.spx|~/lib/pipe.mp3; Updating 12% 25% 37% 50% 62% 75% 87%");
         STEP("buttonAdd File(s)", {Files(files, {}, "lib")}, "");
 
         const QString removeAll = "Are you sure you want to remove all the files in the list?";
@@ -330,6 +344,13 @@ private slots:
         Put("bare.wv", "x/3.wv");
         const QString preview = "editOutputPreview=~/Music/Artist/Artist-Title.";
         STEP("drop x/1.mp3|x/2.ogg|x/3.wv", {}, "listAudioFiles=~/x/1.mp3|~/x/2.ogg|~/x/3.wv; Updating 33% 66%");
+        const auto toolTip = [this](const QPoint& place) {
+            QHelpEvent help(QEvent::ToolTip, place, List().viewport()->mapToGlobal(place));
+            QApplication::sendEvent(List().viewport(), &help);
+            return QToolTip::text();
+        };
+        QCOMPARE(toolTip(List().viewport()->rect().bottomLeft()), QString()); // below the rows
+        QCOMPARE(toolTip(Place(1)), Home("x/2.ogg"));
         STEP("press 0", {},
              "listAudioFiles=>~/x/1.mp3|~/x/2.ogg|~/x/3.wv; editOutputPreview=~/Music/A/A-T.mp3; textInfo=Artist: "
              "A|Title: T|Album: L|Year: 1999|Genre: G|Track: 7");
@@ -363,11 +384,14 @@ private slots:
         AddRows({"files", "keys", "opens", "selects"},
                 {{"the only row, Down", "in/0.mp3", "Down", "", "0"},
                  {"the only row, End", "in/0.mp3", "End", "", "0"},
+                 {"Page Down", "in", "Down PgDown", "", "2"},
                  {"the second row", "in", "Down Down", "", "1"},
                  {"Ctrl and Space keep it", "in", "End Ctrl+Space", "", "2"},
                  {"the menu of the second row", "in", "Down Down Menu", "Edit Tags 1", "1"},
                  {"the menu of the last row", "in", "End Shift+F10", "Edit Tags 2", "2"},
                  {"nothing without a row", "in", "Menu Shift+F10 Del", "", "-1"},
+                 {"the menu belongs to the list", "in", "Down Tab Menu Shift+F10", "", "0"},
+                 {"the first Down makes it current", "in", "Down Del", removeFile, "-1"},
                  {"Del asks, and no key goes on", "in", "Down Down Del Down", removeFile, "1"},
                  {"the menu bar", "", "F10", "New -1", "-1"}});
     }
@@ -456,10 +480,12 @@ private slots:
         Put("full.mp3", "in/1.mp3|2.mp3");
         folder->setFocus();
         before = Now();
-        open("missing|/dev/null|2.mp3|in");
+        open("missing.mp3|/dev/null|2.mp3|in");
         CHANGED("opening from outside", "listAudioFiles=~/in/1.mp3|~/2.mp3; Updating 50%");
         QVERIFY(folder->hasFocus());
         QVERIFY(QFile(Home("p.ovp")).open(QIODevice::WriteOnly));
+        open("p.ovp|2.mp3");
+        CHANGED("opening a profile among files", "Updating 50%");
         open("p.ovp");
         Answers dialogs({Warning("Could not load profile."), No(loseSettings)});
         open("missing.ovp");
@@ -499,6 +525,10 @@ private slots:
                {rename("[Title] [x]; buttonOK")});
         change(__LINE__, "editOutputFolder C:\\a=b\\",
                "editOutputFolder=C:\\a=b\\; [OutputFolderPath]=C:/a=b/; editOutputPreview=C:/a=b/G/A/L/T [x].mp3");
+        QApplication::clipboard()->setText("/p\r");
+        Child<QLineEdit>(*window, "editOutputFolder")->setFocus();
+        change(__LINE__, "keys Ctrl+A Ctrl+V",
+               "editOutputFolder=/p; [OutputFolderPath]=/p; editOutputPreview=/p/G/A/L/T [x].mp3");
         change(__LINE__, "buttonBrowseOutFold",
                "editOutputFolder=~/Documents; [OutputFolderPath]=~/Documents; editOutputPreview=~/Documents/G/A/L/T "
                "[x].mp3",
@@ -762,18 +792,16 @@ private slots:
     void asksBeforeItEnds()
     {
         DO("checkDeleteOriginal");
-        const auto prompt = [](QMessageBox::StandardButton answer) {
-            return Box(QMessageBox::Question, "You have unsaved changes. Do you want to save your settings?",
-                       QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, answer);
-        };
-        ENDS("close", {prompt(QMessageBox::Escape)}, false);
+        ENDS("close", {Unsaved(QMessageBox::Escape)}, false);
         CHANGED("answering with Escape", "");
-        ENDS("close", {prompt(QMessageBox::Cancel)}, false);
+        ENDS("close", {Unsaved(QMessageBox::Cancel)}, false);
         CHANGED("cancelling", "");
-        ENDS("close", {prompt(QMessageBox::No)});
-        ENDS("close", {prompt(QMessageBox::Yes), Files("Save profile")}); // cancelling that does not keep us
-        CHANGED("saving nothing", "");
-        ENDS("actionExit", {prompt(QMessageBox::Yes), Files("Save profile", "Documents/p.ovp")});
+        ENDS("close", {Unsaved(QMessageBox::No)});
+        window->show();
+        ENDS("close", {Unsaved(QMessageBox::Yes), Files("Save profile")}); // cancelling that does not keep us
+        CHANGED("saving nothing", "title=Orvanto* (closed)");
+        window->show();
+        ENDS("actionExit", {Unsaved(QMessageBox::Yes), Files("Save profile", "Documents/p.ovp")});
         CHANGED("saving a profile", "title=Orvanto - p (closed); ~/Documents=p.ovp");
         ENDS("close", {});
     }
@@ -857,25 +885,33 @@ private slots:
         for (int i = 0; i < 100; ++i)
             TagManager().WriteFile(
                 {"", "www.", "", "", "", "", PutSample("bare.spx", Home(QString("in/%1.spx").arg(i)))});
-        auto close = EachTurn([this] {
-            if (Status() == "Updating audio file list...")
-                window->close();
-        });
-        ENDS("drop in", {});
-        QVERIFY(List().count() < 100);
-        close.reset();
-        const auto stops = [&](int line, const char* act, int row, const char* until, const QList<Answer>& answers) {
-            Open();
-            Do(line, "drop in; press 0");
-            const auto leave = EachTurn([=] {
-                if (Artist(List().item(row)->text()) == until)
+        for (const int turn : {1, 5, 50}) { // while the folder is being looked through, or its files read
+            int turns = 0;
+            const auto close = EachTurn([&] {
+                if (Status() == "Updating audio file list..." && ++turns == turn)
                     window->close();
             });
-            Ends(line, act, answers);
+            ENDS("drop in", {});
+            QVERIFY2(List().count() < turn, qPrintable(QString::number(List().count())));
+            Open();
+        }
+        const auto stops = [&](int line, const QString& acts, int row, const char* until,
+                               const QList<Answer>& answers) {
+            Do(line, "drop in; press 0; " + acts.section("; ", 0, -2));
+            bool leaves = false;
+            const auto leave = EachTurn([&] {
+                if (!leaves && Artist(List().item(row)->text()) == until) {
+                    leaves = true;
+                    window->close();
+                }
+            });
+            Ends(line, acts.section("; ", -1), answers);
             DemandSame("the artist of the last file", Artist(List().item(99)->text()), QString("www."));
         };
-        stops(__LINE__, "row 0 Batch Edit Tags", 0, "All", {Fill("editArtist All; buttonOK"), Yes(applyTags)});
-        stops(__LINE__, "buttonOrganize", 9, "", {});
+        stops(__LINE__, "comboOrganizeBy 1; row 0 Batch Edit Tags", 0, "All",
+              {Fill("editArtist All; buttonOK"), Yes(applyTags), Unsaved(QMessageBox::No)});
+        Open();
+        stops(__LINE__, "press 0; buttonOrganize", 9, "", {});
         Open();
         DO("drop in/0.spx");
         ENDS("buttonOrganize", {[this](QWidget*) { Child<QAction>(*window, "actionExit")->trigger(); }});
