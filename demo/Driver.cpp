@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -16,6 +17,7 @@
 #include <QMimeData>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QWindow>
 
 namespace
@@ -44,8 +46,22 @@ bool IsCut(const QWidget& caption)
     const auto* const label = qobject_cast<const QLabel*>(&caption);
     if (label && label->wordWrap())
         return label->heightForWidth(label->width()) > label->height();
+    if (label && !label->text().isEmpty() && label->sizeHint().height() > label->height())
+        return true;
     return (label || caption.inherits("QAbstractButton")) && caption.sizeHint().width() > caption.width();
 }
+
+/// Whether the captions in @p box differ in their size.
+bool IsUneven(const QGroupBox& box)
+{
+    QSet<int> sizes;
+    for (const auto* const widget : box.findChildren<QWidget*>()) {
+        if (widget->isVisible() && (widget->inherits("QLabel") || widget->inherits("QAbstractButton")))
+            sizes += widget->fontInfo().pixelSize();
+    }
+    return sizes.size() > 1;
+}
+
 /// What a screen reader calls a widget. A combo box may have its choice as its name, and its caption as its label.
 QString Name(QWidget* widget)
 {
@@ -98,6 +114,8 @@ QStringList Visible(const QWidget& window)
             continue;
         if (name != "textFilePath" && name != "textInfo" && IsCut(*widget))
             seen += "cut=" + name;
+        if (const auto* const box = qobject_cast<const QGroupBox*>(widget); box && IsUneven(*box))
+            seen += "uneven=" + name;
         const bool isRead = qobject_cast<QLabel*>(widget) || qobject_cast<QProgressBar*>(widget);
         const QString described = QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Description);
         if (isRead && (Name(widget).isEmpty() || described.contains('<')))
@@ -359,6 +377,7 @@ Answer Box(QMessageBox::Icon icon, const QString& text, QMessageBox::StandardBut
         DemandSame("buttons", box->standardButtons(), buttons);
         DemandSame("format", box->textFormat(), Qt::PlainText);
         Demand(!box->parent(), "the box has a parent");
+        Demand(box->screen()->availableGeometry().contains(box->frameGeometry()), "the box is not on the screen");
         Demand(!(buttons & QMessageBox::Yes) || box->defaultButton() == box->button(QMessageBox::Yes),
                "Yes is no default");
         if (answer == QMessageBox::Escape)

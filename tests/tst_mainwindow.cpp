@@ -10,6 +10,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QFileOpenEvent>
+#include <QGroupBox>
 #include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -100,6 +101,10 @@ private:
         QVERIFY(QTest::qWaitForWindowActive(window.get()));
         connect(Child<QProgressBar>(*window, "progressOrganize"), &QProgressBar::valueChanged, this,
                 &TestMainWindow::KeepMove);
+        connect(qApp, &QApplication::focusChanged, window.get(), [](QWidget*, QWidget* now) {
+            Demand(!now || now->accessibleName() != "Progress",
+                   "the bar has the focus before a screen reader can tell why");
+        });
     }
 
     /// Keeps "Status percent percent...", with "!" for each control that could change the list meanwhile, or that would
@@ -107,7 +112,8 @@ private:
     void KeepMove(int value)
     {
         QString status = Status().section(' ', 0, 0).remove("...");
-        status += window->focusWidget() == Child<QWidget>(*window, "progressOrganize") ? "" : "!";
+        const QWidget* const focused = window->focusWidget(); // whose name is what a screen reader says
+        status += focused->objectName() == "progressOrganize" && focused->accessibleName() == Status() ? "" : "!";
         for (const char* name : {"buttonOrganize", "buttonAdd", "buttonRemove", "listAudioFiles"})
             status += Child<QWidget>(*window, name)->isEnabled() ? "!" : "";
         if (value > 0 && moves.filter(status).isEmpty())
@@ -264,6 +270,11 @@ private slots:
                 "Browse|Output Preview|Delete original files|Start; " +
                     cleared);
         STEP("buttonOrganize", {Warning("There are no audio files to process.")}, "");
+        window->setLayoutDirection(Qt::RightToLeft);
+        QCoreApplication::processEvents();
+        const QRect settings = Child<QGroupBox>(*window, "groupBox_4")->geometry();
+        QVERIFY(!settings.intersects(Child<QGroupBox>(*window, "groupBox_3")->geometry()));
+        window->setLayoutDirection(Qt::LeftToRight);
 
         Put("full.mp3", "lib/b.mp3|lib/b2.mp3|lib/notes.txt|lib/b.mp3.bak|lib/nodot|lib/.hidden/e.wv|late/l.mp3");
         Put("full.wav", "lib/a.MP3");
@@ -494,6 +505,10 @@ private slots:
         DO("checkDeleteOriginal");
         open("p.ovp");
         dialogs.Finish();
+        QApplication::clipboard()->setText("/a\r\n/b\n");
+        folder->selectAll();
+        folder->paste();
+        QCOMPARE(folder->text(), QString("/a/b"));
     }
 
     void keepsSettingsInProfiles()
@@ -759,20 +774,26 @@ private slots:
         QString more = "in/Unknown 1.mp3";
         for (int i = 2; i < 10; ++i)
             more += QString("|in/Unknown %1.mp3").arg(i);
-        Put("full.mp3", more);
-        DO("drop " + more);
-        report += Paths(more).join('\n') + '\n';
         const auto scrolls = [&](QWidget* box) {
-            DemandSame("text", box->findChild<QPlainTextEdit*>()->toPlainText(), report + advice);
+            auto& text = *box->findChild<QPlainTextEdit*>();
+            DemandSame("text", text.toPlainText(), report + advice);
+            QTest::keyClick(&text, Qt::Key_End, Qt::ControlModifier);
+            Demand(text.textCursor().atEnd(), "the caret does not move");
             Demand(!Child<QLabel>(*box, "qt_msgbox_label")->isVisible(), "the text is there twice");
             DemandSeen(Visible(*box).filter(QRegularExpression("^(ring|unreadable)=")), "ring=OK|Report");
             Demand((box->geometry().center() - window->geometry().center()).manhattanLength() < 5, "not in the middle");
             QTest::keyClick(box, Qt::Key_Return);
         };
-        DO("buttonOrganize", {Dialog("Log", scrolls)});
+        for (const QString& names : {"in/Unknown " + QString(200, 'x') + ".mp3", more}) { // too wide, and too high
+            Put("full.mp3", names);
+            report += Paths(names).join('\n') + '\n';
+            DO("drop " + names);
+            DO("buttonOrganize", {Dialog("Log", scrolls)});
+        }
+        window->move(-500, 300);                            // partly off the screen
         QVERIFY(QFile::remove(path) && QDir().mkdir(path)); // a folder in its place
         STEP("buttonOrganize", {Warning("Could not save log.")},
-             "Processing 9%; Updating 9% 18% 27% 36% 45% 54% 63% 72% 81% 90%");
+             "Processing 8%; Updating 8% 16% 25% 33% 41% 50% 58% 66% 75% 83% 91%");
     }
 
     void deletesOriginals()
