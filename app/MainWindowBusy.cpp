@@ -121,13 +121,14 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event)
     return true;
 }
 
-/// Escape, while there is something to stop. A menu bar that the user is in takes it for itself.
+/// Escape, or what else cancels on this desktop, while there is something to stop. A menu bar that the user is in takes
+/// it for itself.
 bool MainWindow::IsStopKey(const QObject& receiver, const QEvent& event) const
 {
     if (event.type() != QEvent::KeyPress || !ui->progressOrganize->isEnabled() || &receiver == ui->menuBar)
         return false;
     const auto& key = static_cast<const QKeyEvent&>(event);
-    return key.key() == Qt::Key_Escape && !key.isAutoRepeat();
+    return key.matches(QKeySequence::Cancel) && !key.isAutoRepeat();
 }
 
 /// Whether an event is input to this window itself, or a shortcut of it. Menus and questions are windows of their own.
