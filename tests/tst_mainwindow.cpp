@@ -7,6 +7,7 @@
 #include "tags/TagManager.h"
 #include "tests/Rows.h"
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QComboBox>
 #include <QFileOpenEvent>
@@ -870,9 +871,25 @@ private slots:
         QVERIFY(Bytes(Home("Documents/Orvanto/Orvanto.log")).contains("\n\nOperation stopped.\n---"));
     }
 
+    void stopsInOneFile()
+    {
+        QFile file(Home("in/1.mp3"));
+        const QByteArray sound = Bytes(PutSample("bare.mp3", file.fileName())).repeated(10000);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(sound) == sound.size());
+        file.close();
+        DO("drop in; press 0");
+        const auto escape =
+            EscapeOnce([] { return QDir(Home("in")).entryList(QDir::Files | QDir::Hidden).size() > 1; });
+        DO("row 0 Batch Edit Tags", {Fill("editArtist New; buttonOK"), Yes(applyTags), Stop(QMessageBox::Yes)});
+        QVERIFY(Bytes(file.fileName()) == sound);
+        DemandSeen(Now().filter("textInfo"), bareInfo); // as it is in the file
+    }
+
     void stopsRuns()
     {
         OpenSettings().setValue("SkipSocial", 1);
+        auto* const bar = QAccessible::queryAccessibleInterface(Child<QProgressBar>(*window, "progressOrganize"));
+        QCOMPARE(bar->text(QAccessible::Description), QString("Escape stops"));
         Put("full.mp3", "in/1.mp3");
         Put("bare.mp3", "in/2.mp3|in/3.mp3");
         DO("drop in/1.mp3|in/2.mp3|in/3.mp3; comboRename 0; comboOrganizeBy 0; editOutputFolder " + Home("out"));
