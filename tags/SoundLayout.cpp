@@ -50,7 +50,7 @@ private:
 /// Walks through the atoms from @p position to @p end; @p areTags for those whose bytes an edit may change.
 bool Mp4Atoms::Walk(qint64 position, qint64 end, int depth, bool areTags)
 {
-    constexpr int deepest = 32, mostAtoms = 1 << 20;
+    constexpr int deepest = 32, mostAtoms = 1 << 18;
     constexpr qint64 longestInMemory = 1 << 28; // bytes; TagLib reads tables and tags as a whole
     if (depth > deepest)
         return false;
