@@ -197,7 +197,7 @@ void MainWindow::RefreshInterface()
     if (settings.renameIndex != customRenameIndex)
         on_comboRename_activated(settings.renameIndex);
     on_checkSkipOrganize_clicked(settings.skipOrganize);
-    TakeOutputFolder(settings.outputFolder);
+    SetOutputFolder(settings.outputFolder);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

@@ -127,10 +127,10 @@ private:
     void CallAgainOnceAnswered(void (MainWindow::*slot)());
     bool IsStopKey(const QObject& receiver, const QEvent& event) const;
     bool IsInput(const QObject& receiver, const QEvent& event) const;
-    bool MayTakeFiles() const;
+    bool AcceptsFiles() const;
 
     void EnableSetting(QWidget& setting, bool enabled, QWidget& neighbour);
-    void TakeOutputFolder(const QString& folder);
+    void SetOutputFolder(const QString& folder);
     void SignalSettingsChanged();
     void UpdateOutputPreview();
     QString GenerateCurrentFilename() const;

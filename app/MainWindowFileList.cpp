@@ -146,7 +146,7 @@ void MainWindow::SynchronizeListAudioFiles(bool showProgress)
 }
 
 /// Whether files from outside may join the list.
-bool MainWindow::MayTakeFiles() const
+bool MainWindow::AcceptsFiles() const
 {
     return activity == Activity::Idle && !QApplication::activeModalWidget();
 }
@@ -161,7 +161,7 @@ void MainWindow::dropEvent(QDropEvent* event)
     // Whatever the other side proposes, it must not take its files for moved.
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    if (!MayTakeFiles())
+    if (!AcceptsFiles())
         return;
 
     QStringList paths;
@@ -172,7 +172,7 @@ void MainWindow::dropEvent(QDropEvent* event)
 
 void MainWindow::OpenPaths(const QStringList& paths)
 {
-    if (!MayTakeFiles())
+    if (!AcceptsFiles())
         return;
     if (paths.size() == 1 && ExtensionOf(paths.first()) == QLatin1String("ovp")) {
         if (MayOverwriteSettings())

@@ -90,11 +90,11 @@ void MainWindow::on_editOutputFolder_textEdited(const QString& text)
         ui->editOutputFolder->setText(folder);
         ui->editOutputFolder->setCursorPosition(before.size());
     }
-    TakeOutputFolder(folder);
+    SetOutputFolder(folder);
 }
 
 /// Takes over a folder that was typed or read from a profile, where a carriage return belongs to it.
-void MainWindow::TakeOutputFolder(const QString& folder)
+void MainWindow::SetOutputFolder(const QString& folder)
 {
     settings.outputFolder = WithForwardSlashes(folder);
     UpdateOutputPreview();
@@ -106,7 +106,7 @@ void MainWindow::TakeOutputFolder(const QString& folder)
 void MainWindow::on_buttonBrowseOutFold_clicked()
 {
     const QString folder = AskForFolder(this, SettingsKey::outputFolder);
-    // Not TakeOutputFolder(): a chosen folder keeps its backslashes, and is remembered also while a load is unfinished.
+    // Not SetOutputFolder(): a chosen folder keeps its backslashes, and is remembered also while a load is unfinished.
     if (!folder.isEmpty()) {
         ui->editOutputFolder->setText(folder);
         settings.outputFolder = folder;

@@ -25,7 +25,7 @@ struct SField
 {
     TagField tag;
     QString DialogEditTags::*text;
-    LineEdit* Ui_DialogEditTags::*edit;
+    StartVisibleLineEdit* Ui_DialogEditTags::*edit;
 };
 
 constexpr SField fields[] = {
@@ -101,7 +101,7 @@ void DialogEditTags::Init()
     for (const SField& field : fields)
         ((*ui).*field.edit)->ShowText(this->*field.text);
     const bool isRepair = !ui->buttonSkip->isHidden();
-    LineEdit* const first = (*ui).*fields[isRepair ? FirstGap(File()) : 0].edit;
+    StartVisibleLineEdit* const first = (*ui).*fields[isRepair ? FirstGap(File()) : 0].edit;
     first->setFocus();
     first->selectAll();
     ui->buttonPlay->setFixedWidth(wideButton);

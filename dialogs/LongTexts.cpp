@@ -31,13 +31,13 @@ void PathLabel::paintEvent(QPaintEvent*)
                           fontMetrics().elidedText(text(), Qt::ElideMiddle, room.width()), foregroundRole());
 }
 
-void LineEdit::ShowText(const QString& text)
+void StartVisibleLineEdit::ShowText(const QString& text)
 {
     setText(text);
     home(false);
 }
 
-void LineEdit::focusInEvent(QFocusEvent* event)
+void StartVisibleLineEdit::focusInEvent(QFocusEvent* event)
 {
     QLineEdit::focusInEvent(event);
     if (!selectedText().isEmpty() && selectedText() == text()) {

@@ -25,7 +25,7 @@ protected:
 };
 
 /// A line edit that shows the beginning of its text, also when the Tab key has selected all of it.
-class LineEdit : public QLineEdit
+class StartVisibleLineEdit : public QLineEdit
 {
     Q_OBJECT
 

@@ -11,7 +11,8 @@ class QWidget;
 /// above it. Where it has no title, the desktop shows the program's name.
 void PlaceOverMainWindow(QDialog& dialog);
 
-/// The program's message boxes: modal, without parent, their text always plain. A long text scrolls.
+// The program's message boxes: modal, their text always plain. A long text scrolls. They have no parent, so that none
+// takes over its style or goes with it; PlaceOverMainWindow() and its like make up for that.
 
 /// Asks with the question icon; @p buttons besides Yes, which is the default.
 QMessageBox::StandardButton Ask(const QString& text, QMessageBox::StandardButtons buttons);
@@ -21,6 +22,7 @@ QMessageBox::StandardButton Ask(const QString& text, QMessageBox::StandardButton
 bool AskYesNo(const QString& text, QPointer<QDialog>* standing = nullptr);
 
 void Warn(const QString& text, const QString& title = {});
+
 void Inform(const QString& text);
 
 /// Asks for a folder, starting at the one that is stored under @p settingsKey. @return an empty text when cancelled.

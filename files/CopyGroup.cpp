@@ -91,8 +91,8 @@ void CopyGroup::Add(int row, const QString& source, const QString& destination)
             LogFailure(notCopied, source, next->Reason());
         return report(row, {failed ? CopyResult::Failed : CopyResult::Stopped, next->facts});
     }
-    next->copy->TakeAttributes(next->from, *next->facts);
-    next->copy->TakeTime(*next->facts);
+    next->copy->CopyAttributes(next->from, *next->facts);
+    next->copy->CopyTimes(*next->facts);
     next->copy->StartFlush();
     next->place = PlaceOf(destination);
     if (waiting.empty())

@@ -209,8 +209,7 @@ EditedFile::Saved EditedFile::Patch(FileHandle& target, const std::function<bool
     const std::vector<SPatch> patches = Patches();
     if (!goOn()) // once: the answer may take long, and nobody is to find half a patch meanwhile
         return Saved::NotAtAll;
-    const auto now = target.Facts();
-    if (!now || !IsUnchanged(*facts, *now))
+    if (!IsUntouched())
         return Saved::Overtaken;
     if (!valid) {
         LogFailure(notSaved, path, unreadable);
@@ -248,9 +247,9 @@ EditedFile::Saved EditedFile::Rewrite(const std::function<bool()>& goOn)
         written = goOn() && valid && copy.Append(bytes);
         position += bytes.size();
     }
-    written = written && copy.TakeOwner(*facts);
+    written = written && copy.CopyOwner(*facts);
     if (written) {
-        copy.TakeAttributes(original, *facts);
+        copy.CopyAttributes(original, *facts);
         written = copy.Finish();
     }
     QString reason = valid ? SystemReason() : unreadable;

@@ -170,7 +170,7 @@ void NewFile::StartFlush()
 #endif
 }
 
-bool NewFile::TakeOwner(const SFileFacts& facts)
+bool NewFile::CopyOwner(const SFileFacts& facts)
 {
     const auto own = handle.Facts();
     if (own && own->owner == facts.owner && own->group == facts.group)
@@ -183,7 +183,7 @@ bool NewFile::TakeOwner(const SFileFacts& facts)
            fchown(handle.Descriptor(), nobody, facts.group) == 0 || (forGroup & ~forOthers) == 0;
 }
 
-void NewFile::TakeAttributes(const FileHandle& source, const SFileFacts& facts)
+void NewFile::CopyAttributes(const FileHandle& source, const SFileFacts& facts)
 {
     CopyExtendedAttributes(source.Descriptor(), handle.Descriptor());
     // A program that runs as its owner or group must not become one that runs as somebody else.
@@ -192,7 +192,7 @@ void NewFile::TakeAttributes(const FileHandle& source, const SFileFacts& facts)
     fchmod(handle.Descriptor(), facts.mode & (isSameOwner ? 07777 : 01777));
 }
 
-void NewFile::TakeTime(const SFileFacts& facts)
+void NewFile::CopyTimes(const SFileFacts& facts)
 {
     const timespec times[] = {facts.accessed, facts.modified}; // both: some file systems ignore a call that omits one
     futimens(handle.Descriptor(), times);

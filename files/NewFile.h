@@ -34,12 +34,12 @@ public:
 
     /// Gives it the owner and the group of a file, or the group alone, or neither where the group may do no more than
     /// everybody else. @return false when it must not take that file's place.
-    bool TakeOwner(const SFileFacts& facts);
+    bool CopyOwner(const SFileFacts& facts);
     /// Gives it the extended attributes of a file, access control lists included, and then its permissions; what the
     /// file system refuses is left out, and so are the set-id bits unless owner and group are the same.
-    void TakeAttributes(const FileHandle& source, const SFileFacts& facts);
+    void CopyAttributes(const FileHandle& source, const SFileFacts& facts);
     /// Gives it the access and modification times of a file; a refusal by the file system is no failure.
-    void TakeTime(const SFileFacts& facts);
+    void CopyTimes(const SFileFacts& facts);
 
     /// Has the disk begin to write what it has not, without waiting: a flush finds less to do.
     void StartFlush();

@@ -8,7 +8,7 @@ void PutStandIns(SAudioFile& file)
     }
 }
 
-void TakeStandInsBack(SAudioFile& file)
+void RemoveStandIns(SAudioFile& file)
 {
     for (const STag& tag : allTags) {
         if (file.*tag.field == QLatin1String(tag.standIn))

@@ -206,15 +206,16 @@ RunEnd ProcessThread::CopyFiles()
                 RowAt(row) = {copy.result == CopyResult::Copied ? Outcome::Copied : Outcome::Failed, copy.source};
         });
     for (int i = 0; i < files.size() && !isInterruptionRequested(); ++i) {
-        // A blunt test on purpose: it refuses a real title with this word in it, too.
+        // Blunt, for it refuses a real title with this word in it, too; but a file that is refused loses nothing.
         const bool refused = GenerateFilename(i).contains(unknownTag);
         if (refused) {
             RowAt(i).outcome = Outcome::Failed;
-            TakeStandInsBack(files[i]);
+            RemoveStandIns(files[i]);
         } else {
             CopyToTree(i, group);
         }
-        // Without folders, progress passes refused files over; with folders it counts them. Both are kept.
+        // Without folders, refused files are not counted: the bar then shows what has been placed. With folders they
+        // count, so that it goes on evenly.
         if (!refused || settings.organizeBy != 0)
             emit SetProgress(i + 1);
     }

@@ -37,9 +37,9 @@ public:
 
 private:
     bool Walk(qint64 position, qint64 end, int depth, bool areTags);
-    bool TakeOffsets(const QByteArray& name, qint64 content, qint64 end);
-    bool TakeTable(qint64 start, qint64 end, int entrySize, int inEntry, int numberSize);
-    bool TakeOffset(qint64 at, qint64 end, int size, bool isFromEnd = false);
+    bool AddOffsets(const QByteArray& name, qint64 content, qint64 end);
+    bool AddTable(qint64 start, qint64 end, int entrySize, int inEntry, int numberSize);
+    bool AddOffset(qint64 at, qint64 end, int size, bool isFromEnd = false);
     void Keep(qint64 to);
 
     qint64 keptTo = 0; ///< from here on, nobody has said yet what has to stay
@@ -84,7 +84,7 @@ bool Mp4Atoms::Walk(qint64 position, qint64 end, int depth, bool areTags)
                 return false;
         } else {
             keptTo = position;
-            if (!TakeOffsets(name, content, next))
+            if (!AddOffsets(name, content, next))
                 return false;
             if (!isTags)
                 Keep(next);
@@ -104,44 +104,44 @@ void Mp4Atoms::Keep(qint64 to)
 }
 
 /// Takes the offsets that an atom without others in it holds, if any.
-bool Mp4Atoms::TakeOffsets(const QByteArray& name, qint64 content, qint64 end)
+bool Mp4Atoms::AddOffsets(const QByteArray& name, qint64 content, qint64 end)
 {
     if (IsOneOf(name, {"cmov", "iloc", "saio"}))
         layout.mayMove = false;
     if (name == "stco" || name == "co64") {
         const int numberSize = name == "stco" ? 4 : 8;
-        return TakeTable(content + 4, end, numberSize, 0, numberSize);
+        return AddTable(content + 4, end, numberSize, 0, numberSize);
     }
     if (name == "tfhd") {
         const bool hasBase = NumberAt(file, content, 4) & 1;
-        return content + 8 <= end && (!hasBase || TakeOffset(content + 8, end, 8));
+        return content + 8 <= end && (!hasBase || AddOffset(content + 8, end, 8));
     }
     if (name == "sidx") {
         const bool isLong = NumberAt(file, content, 1) > 0;
-        return TakeOffset(content + (isLong ? 20 : 16), end, isLong ? 8 : 4, true);
+        return AddOffset(content + (isLong ? 20 : 16), end, isLong ? 8 : 4, true);
     }
     if (name == "tfra") {
         const int numberSize = NumberAt(file, content, 1) > 0 ? 8 : 4;
         const auto lengths = static_cast<int>(NumberAt(file, content + 11, 1));
         const int smallNumbers = 3 + (lengths & 3) + (lengths >> 2 & 3) + (lengths >> 4 & 3);
-        return TakeTable(content + 12, end, 2 * numberSize + smallNumbers, numberSize, numberSize);
+        return AddTable(content + 12, end, 2 * numberSize + smallNumbers, numberSize, numberSize);
     }
     return true;
 }
 
 /// Takes the offsets of a table whose number of entries is at @p start. Each is @p inEntry bytes behind the beginning
 /// of its entry.
-bool Mp4Atoms::TakeTable(qint64 start, qint64 end, int entrySize, int inEntry, int numberSize)
+bool Mp4Atoms::AddTable(qint64 start, qint64 end, int entrySize, int inEntry, int numberSize)
 {
     const auto entries = static_cast<qint64>(NumberAt(file, start, 4));
     for (qint64 entry = 0; entry < entries; ++entry) {
-        if (!TakeOffset(start + 4 + entry * entrySize + inEntry, end, numberSize))
+        if (!AddOffset(start + 4 + entry * entrySize + inEntry, end, numberSize))
             return false;
     }
     return true;
 }
 
-bool Mp4Atoms::TakeOffset(qint64 at, qint64 end, int size, bool isFromEnd)
+bool Mp4Atoms::AddOffset(qint64 at, qint64 end, int size, bool isFromEnd)
 {
     constexpr std::size_t mostOffsets = 1 << 22;
     constexpr qint64 farthest = 1 << 30;

@@ -72,7 +72,7 @@ extern "C" int open(const char* name, int flags, ...)
     return static_cast<int>(Call(flags & O_EXCL ? "open new" : "open", SYS_openat, AT_FDCWD, name, flags, mode));
 }
 
-/// The floor that writes: whatever the disk does, a file is as it was or as it was meant to be.
+/// The layer that writes: whatever the disk does, a file is as it was or as it was meant to be.
 class TestFiles : public QObject
 {
     Q_OBJECT
