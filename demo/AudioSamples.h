@@ -22,6 +22,15 @@ inline QByteArray Bytes(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
 }
 
+/// Makes a file of @p bytes, or fills it with them, and makes its folders.
+inline void PutBytes(const QString& path, const QByteArray& bytes)
+{
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        qFatal("cannot write %s", qPrintable(path));
+}
+
 /// Every file below @p folder, hidden ones among them, sorted.
 inline QStringList FilesBelow(const QString& folder)
 {

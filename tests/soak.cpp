@@ -29,12 +29,6 @@ void Demand(bool ok, const QString& evidence)
         qFatal("Failed: %s", qPrintable(evidence));
 }
 
-void Put(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    Demand(QDir().mkpath(FolderOf(path)) && file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size(), path);
-}
-
 /// Audio of a sample: half of what the tagged and the untagged one share, the half that is farther from the tags. The
 /// first 12 bytes hold the length of the file in some types.
 QByteArray SharedAudio(const QString& extension)
@@ -94,7 +88,7 @@ void TryDamage(int tries)
             const int at = random.bounded(2) ? near : size - 1 - near;
             bytes[at] = static_cast<char>(bytes.at(at) ^ (1 << random.bounded(8)));
         }
-        Put(QString("damaged/Ann-%1.").arg(i) + ExtensionOf(name), bytes);
+        PutBytes(QString("damaged/Ann-%1.").arg(i) + ExtensionOf(name), bytes);
     }
     Organise("damaged", "organised", true);
 }
@@ -121,8 +115,8 @@ void TryKills(int tries)
         const QString artist = QString("Ann %1").arg(piece),
                       type = AudioExtensions().at(piece % AudioExtensions().size());
         const QString name = artist + "-Song." + type, repaired = "repaired/" + artist + '/' + name;
-        Put("library/" + name, Bytes(samples + "bare." + type).replace(SharedAudio(type), Audio(piece, type)));
-        Put(repaired, Bytes("library/" + name));
+        PutBytes("library/" + name, Bytes(samples + "bare." + type).replace(SharedAudio(type), Audio(piece, type)));
+        PutBytes(repaired, Bytes("library/" + name));
         TagLib::FileRef file(qPrintable(repaired), false);
         file.tag()->setArtist(qPrintable(artist));
         file.tag()->setTitle("Song");

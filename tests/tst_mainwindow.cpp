@@ -173,24 +173,23 @@ private:
         Look(changes);
     }
 
-    /// Does something at every turn of the event loop while the timer lives.
-    static std::unique_ptr<QTimer> EachTurn(const std::function<void()>& action)
+    bool IsAdding() const { return Status() == "Updating audio file list..."; }
+    /// Does something once, at the first turn of the event loop at which @p when, if the timer still lives then.
+    static std::unique_ptr<QTimer> Once(const std::function<bool()>& when, const std::function<void()>& action)
     {
         auto timer = std::make_unique<QTimer>();
-        timer->callOnTimeout(action);
+        timer->callOnTimeout([=, timer = timer.get()] {
+            if (!when())
+                return;
+            timer->stop();
+            action();
+        });
         timer->start(0);
         return timer;
     }
-
-    /// Types Escape into the window, once, at the first turn of the event loop at which @p when.
-    std::unique_ptr<QTimer> EscapeOnce(const std::function<bool()>& when)
+    std::unique_ptr<QTimer> EscapeOnce(const std::function<bool()>& when) const
     {
-        return EachTurn([this, when, typed = false]() mutable {
-            if (typed || !when())
-                return;
-            typed = true;
-            QTest::keyClick(window->focusWidget(), Qt::Key_Escape);
-        });
+        return Once(when, [this] { QTest::keyClick(window->focusWidget(), Qt::Key_Escape); });
     }
 
     /// Types Escape before the worker of the run that is started next can be heard; @p closed once its question is.
@@ -285,10 +284,8 @@ private slots:
         QVERIFY(QFile::link(Home("other"), Home("lib/sub/link")));
         QVERIFY(QFile::link(Home("lib/b.mp3"), Home("lib/l.mp3")));
         QCOMPARE(mkfifo(QFile::encodeName(Home("lib/pipe.mp3")), 0600), 0);
-        const auto drops = EachTurn([this] { // which adds nothing while files are being added
-            if (Status() == "Updating audio file list...")
-                DropOn(*window, {Home("late")});
-        });
+        const auto drop = Once([this] { return IsAdding(); }, // at its start, and nothing is added then
+                               [this] { DropOn(*window, {Home("late")}); });
         // The smallest first, of equals the last name.
         const QString folder = "listAudioFiles=~/lib/b2.mp3|~/lib/b.mp3|~/lib/.h.ogg|~/lib/a.MP3";
         const QString all = folder + "|~/lib/sub/d.flac|~/lib/sub/link/f.spx", seven = " 14% 28% 42% 57% 71% 85%";
@@ -444,9 +441,7 @@ private slots:
     void keepsTheFocusNear()
     {
         QFETCH(QString, act);
-        QFile profile(Home("p.ovp"));
-        QVERIFY(profile.open(QIODevice::WriteOnly) && profile.write("1\n2\n\n1\n0\n1\n/\n0\n") > 0);
-        profile.close();
+        PutBytes(Home("p.ovp"), "1\n2\n\n1\n0\n1\n/\n0\n");
         DO("radioFixMan");
         Child<QWidget>(*window, QByteArray(QTest::currentDataTag()).split(',').first())->setFocus();
         DO(act, act == "actionNew" ? QList<Answer>{Yes(overwrite)}
@@ -495,7 +490,7 @@ private slots:
         open("missing.mp3|/dev/null|2.mp3|in");
         CHANGED("opening from outside", "listAudioFiles=~/in/1.mp3|~/2.mp3; Updating 50%");
         QVERIFY(folder->hasFocus());
-        QVERIFY(QFile(Home("p.ovp")).open(QIODevice::WriteOnly));
+        PutBytes(Home("p.ovp"), "");
         open("p.ovp|2.mp3");
         CHANGED("opening a profile among files", "Updating 50%");
         open("p.ovp");
@@ -506,10 +501,6 @@ private slots:
         DO("checkDeleteOriginal");
         open("p.ovp");
         dialogs.Finish();
-        QApplication::clipboard()->setText("/a\r\n/b\n");
-        folder->selectAll();
-        folder->paste();
-        QCOMPARE(folder->text(), QString("/a/b"));
     }
 
     void keepsSettingsInProfiles()
@@ -541,10 +532,10 @@ private slots:
                {rename("[Title] [x]; buttonOK")});
         change(__LINE__, "editOutputFolder C:\\a=b\\",
                "editOutputFolder=C:\\a=b\\; [OutputFolderPath]=C:/a=b/; editOutputPreview=C:/a=b/G/A/L/T [x].mp3");
-        QApplication::clipboard()->setText("/p\r");
+        QApplication::clipboard()->setText("/p\r\n/q\n");
         Child<QLineEdit>(*window, "editOutputFolder")->setFocus();
         change(__LINE__, "keys Ctrl+A Ctrl+V",
-               "editOutputFolder=/p; [OutputFolderPath]=/p; editOutputPreview=/p/G/A/L/T [x].mp3");
+               "editOutputFolder=/p/q; [OutputFolderPath]=/p/q; editOutputPreview=/p/q/G/A/L/T [x].mp3");
         change(__LINE__, "buttonBrowseOutFold",
                "editOutputFolder=~/Documents; [OutputFolderPath]=~/Documents; editOutputPreview=~/Documents/G/A/L/T "
                "[x].mp3",
@@ -585,9 +576,7 @@ private slots:
         STEP("actionLoad_Profile", {Files("Load profile", {}, folder)}, "");
         STEP("radioFixAuto", {}, "radioFixAuto=true; radioFixMan=false; checkOnlyEditInvalid=false (off)");
         // Indices outside the tables are kept and harm nobody, and a custom scheme is not asked for.
-        QFile odd(Home(profile));
-        QVERIFY(odd.open(QIODevice::WriteOnly) && odd.write("o=99\nr=6\n=[Title]\n1\n2\n\n=/o=\r\n1") > 0);
-        odd.close();
+        PutBytes(Home(profile), "o=99\nr=6\n=[Title]\n1\n2\n\n=/o=\r\n1");
         STEP("actionLoad_Profile", {Files("Load profile", profile)},
              "comboOrganizeBy= (off); comboRename=Custom (off); checkSkipOrganize=true; editOutputFolder=/o=\r (off); "
              "checkDeleteOriginal=true (off); buttonBrowseOutFold=Browse (off); editOutputPreview=/o=\r/T.mp3 (off); "
@@ -600,13 +589,11 @@ private slots:
     {
         const QString folder = "/Müsik/日";
         OpenSettings().setValue("OutputFolderPath", folder);
-        QFile store(OpenSettings().fileName());
-        if (!store.fileName().endsWith(".conf"))
+        const QString store = OpenSettings().fileName();
+        if (!store.endsWith(".conf"))
             QSKIP("The store is no text file here.");
-        QVERIFY(Bytes(store.fileName()).contains("=/Müsik/日\n")); // which every later Qt reads
-        QVERIFY(store.open(QIODevice::WriteOnly) &&
-                store.write("[General]\nOutputFolderPath=/M\\xfcsik/\\x65e5\n") > 0);
-        store.close();
+        QVERIFY(Bytes(store).contains("=/Müsik/日\n")); // which every later Qt reads
+        PutBytes(store, "[General]\nOutputFolderPath=/M\\xfcsik/\\x65e5\n");
         QCOMPARE(StoredFolder(SettingsKey::outputFolder), folder);
     }
 
@@ -639,18 +626,15 @@ private slots:
         STEP("row 1 Batch Edit Tags", {Fill("editArtist All; buttonAbort")}, "");
         STEP("row 1 Batch Edit Tags", {fill, No(applyTags)}, "");
         QCOMPARE(Artist(first), QString("Ann"));
-        bool dropped = false;
-        const auto drop = EachTurn([&] { // in the middle of the change, the window takes nothing
-            if (!dropped && Artist(first) == "All") {
-                dropped = true;
-                DropOn(*window, Paths("late"));
-                Click(*window, "checkSkipOrganize");
-            }
+        const auto middle = [&] { return Artist(first) == "All"; }; // of the change: the window takes nothing
+        const auto drop = Once(middle, [this] {
+            DropOn(*window, Paths("late"));
+            Click(*window, "checkSkipOrganize");
         });
         STEP("row 1 Batch Edit Tags", {fill, Yes(applyTags)},
              "editOutputPreview=~/Music/All/All-New.mp3; textInfo=Artist: All|Title: New|Album: LP |Year: MCM|Genre: "
              "|Track: 8; Writing 10% 20% 30% 40% 50% 60% 70% 80% 90% 100%");
-        QVERIFY(dropped);
+        QVERIFY(!drop->isActive());
         QCOMPARE(Artist(last), QString("All"));
     }
 
@@ -838,10 +822,10 @@ private slots:
             tag(PutSample("full.spx", Home(QString("in/%1.spx").arg(i))));
         QVERIFY(QDir().mkpath(Home("empty/sub")));
         int turns = 0;
-        const auto adds = [&] { return Status() == "Updating audio file list..." && ++turns > 20; };
+        const auto adds = [&] { return IsAdding() && ++turns > 20; };
         const auto artist = [this](int row) { return Artist(List().item(row)->text()); };
 
-        auto escape = EscapeOnce([this] { return Status() == "Updating audio file list..."; });
+        auto escape = EscapeOnce([this] { return IsAdding(); });
         STEP("drop empty|in/1.spx", {Stop(QMessageBox::Yes)}, ""); // while folders are read
         escape = EscapeOnce(adds);
         DO("drop in", {Stop(QMessageBox::Yes)});
@@ -873,15 +857,13 @@ private slots:
 
     void stopsInOneFile()
     {
-        QFile file(Home("in/1.mp3"));
-        const QByteArray sound = Bytes(PutSample("bare.mp3", file.fileName())).repeated(10000);
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(sound) == sound.size());
-        file.close();
+        const QByteArray sound = Bytes(TEST_DATA_DIR "/bare.mp3").repeated(10000);
+        PutBytes(Home("in/1.mp3"), sound);
         DO("drop in; press 0");
         const auto escape =
             EscapeOnce([] { return QDir(Home("in")).entryList(QDir::Files | QDir::Hidden).size() > 1; });
         DO("row 0 Batch Edit Tags", {Fill("editArtist New; buttonOK"), Yes(applyTags), Stop(QMessageBox::Yes)});
-        QVERIFY(Bytes(file.fileName()) == sound);
+        QVERIFY(Bytes(Home("in/1.mp3")) == sound);
         DemandSeen(Now().filter("textInfo"), bareInfo); // as it is in the file
     }
 
@@ -925,10 +907,7 @@ private slots:
                 {"", "www.", "", "", "", "", PutSample("bare.spx", Home(QString("in/%1.spx").arg(i)))});
         for (const int turn : {1, 5, 50}) { // while the folder is being looked through, or its files read
             int turns = 0;
-            const auto close = EachTurn([&] {
-                if (Status() == "Updating audio file list..." && ++turns == turn)
-                    window->close();
-            });
+            const auto close = Once([&] { return IsAdding() && ++turns == turn; }, [&] { window->close(); });
             ENDS("drop in", {});
             QVERIFY2(List().count() < turn, qPrintable(QString::number(List().count())));
             Open();
@@ -936,13 +915,8 @@ private slots:
         const auto stops = [&](int line, const QString& acts, int row, const char* until,
                                const QList<Answer>& answers) {
             Do(line, "drop in; press 0; " + acts.section("; ", 0, -2));
-            bool leaves = false;
-            const auto leave = EachTurn([&] {
-                if (!leaves && Artist(List().item(row)->text()) == until) {
-                    leaves = true;
-                    window->close();
-                }
-            });
+            const auto middle = [&] { return Artist(List().item(row)->text()) == until; };
+            const auto close = Once(middle, [&] { window->close(); });
             Ends(line, acts.section("; ", -1), answers);
             DemandSame("the artist of the last file", Artist(List().item(99)->text()), QString("www."));
         };

@@ -23,22 +23,13 @@ class TestNaming : public QObject
 private slots:
     void layouts_data()
     {
-        AddRows({"folder"}, {{"0", ""},
-                             {"1", "AC DC"},
-                             {"2", "AC DC/Al bum"},
-                             {"3", "AC DC/1999"},
-                             {"4", "1999"},
-                             {"5", "1999/AC DC"},
-                             {"6", "1999/Rock"},
-                             {"7", "1999/Rock/AC DC"},
-                             {"8", "Rock"},
-                             {"9", "Rock/AC DC"},
-                             {"10", "Rock/AC DC/Al bum"},
-                             {"11", "Rock/AC DC/1999"},
-                             {"12", "Rock/1999"},
-                             {"13", "Rock/1999/AC DC"},
-                             {"14", "Al bum"},
-                             {"15", "Al bum/AC DC"}});
+        const QString folders = "|AC DC|AC DC/Al bum|AC DC/1999|1999|1999/AC DC|1999/Rock|1999/Rock/AC DC|Rock|"
+                                "Rock/AC DC|Rock/AC DC/Al bum|Rock/AC DC/1999|Rock/1999|Rock/1999/AC DC|Al bum|"
+                                "Al bum/AC DC";
+        QList<QStringList> rows;
+        for (const QString& folder : folders.split('|'))
+            rows += {QString::number(rows.size()), folder};
+        AddRows({"folder"}, rows);
     }
     void layouts()
     {

@@ -14,13 +14,6 @@ QString Texts(const SAudioFile& file)
     return QStringList({file.Artist, file.Title, file.Album, file.Year, file.Genre, file.Track}).join('|');
 }
 
-void Fill(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), bytes.size());
-}
-
 /// A number of four bytes, big-endian or @p little.
 QByteArray Number(qint64 number, bool little = false)
 {
@@ -230,7 +223,7 @@ private slots:
         QDir(folder->path()).mkdir("folder.mp3");
         tags.path = In(QTest::currentDataTag());
         if (!bytes.isNull())
-            Fill(tags.path, bytes);
+            PutBytes(tags.path, bytes);
         QTEST(Texts(tags.ReadFile(tags.path)), "texts");
         QCOMPARE(tags.SetInfo(Tag::Title, "x"), bytes.isEmpty() && !bytes.isNull()); // then there is nothing to lose
         QVERIFY(bytes.isEmpty() || Bytes(tags.path) == bytes);
@@ -289,7 +282,7 @@ private slots:
         QFETCH(QByteArray, bytes);
         QFETCH(bool, saved);
         const QString path = In(name);
-        Fill(path, bytes);
+        PutBytes(path, bytes);
         QTEST(Texts(tags.ReadFile(path)), "texts");
         tags.SetInfo(Tag::Title, QString(400, 'x'));
         const QByteArray now = Bytes(path);
@@ -308,7 +301,7 @@ private slots:
         int asked = 0, answers = 0;
         tags.goOn = [&] { return ++asked <= answers; };
         for (const int length : {9000, 1}) {
-            Fill(tags.path, Bytes(tags.path).size() > 100 ? Bytes(tags.path) : bytes + sound);
+            PutBytes(tags.path, Bytes(tags.path).size() > 100 ? Bytes(tags.path) : bytes + sound);
             const QByteArray before = Bytes(tags.path);
             for (answers = 0; Bytes(tags.path) == before; ++answers) {
                 QVERIFY2(answers < 50, "it is never saved");
