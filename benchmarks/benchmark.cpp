@@ -24,6 +24,7 @@
 #include <cstdio>
 #include <vector>
 
+#include <sys/syscall.h>
 #include <unistd.h>
 
 /// Measures the main job against what it cannot do without: each row has its counterpart, which runs in turn with it on
@@ -374,6 +375,24 @@ double MegabytesWritten()
     return 0;
 }
 
+/// What a flush does: its work, nothing, or what a slow disk does. That waits for its next commit when anything was
+/// written since the last one, and for a tenth of that otherwise.
+enum class Flushing { Real, None, Slow } flushing = Flushing::Real;
+int commits = 0;
+
+[[maybe_unused]] int FlushPretended()
+{
+    static double flushed = 0;
+    constexpr useconds_t commitTime = 20000; // microseconds
+    if (flushing == Flushing::None)
+        return 0;
+    const double written = MegabytesWritten();
+    const bool isCommit = written > flushed;
+    flushed = written;
+    commits += isCommit;
+    return usleep(isCommit ? commitTime : commitTime / 10);
+}
+
 /// The three steps of the worker: until the first file is copied, until the last one is, and deleting if wanted.
 std::array<double, 3> Steps(const QString& folder, const QString& output, bool deletes)
 {
@@ -399,6 +418,13 @@ std::array<double, 3> Steps(const QString& folder, const QString& output, bool d
     ends[2] = clock.nsecsElapsed();
     const auto seconds = [](qint64 nanoseconds) { return static_cast<double>(nanoseconds) / 1e9; };
     return {seconds(ends[0]), seconds(ends[1] - ends[0]), seconds(ends[2] - ends[1])};
+}
+
+/// From the first file on, the last flush included.
+double Copying(const QString& folder, const QString& output)
+{
+    const auto steps = Steps(folder, output, false);
+    return steps[1] + steps[2];
 }
 
 /// The peak of a child's memory that does @p what, in megabytes.
@@ -518,7 +544,7 @@ void MeasureProcess(const QString& place)
     }
     const QString folder = place + "/10000";
     Compare(
-        "worker: copy 10,000 small files", [&] { return Steps(folder, out, false)[1]; }, "QFile::copy",
+        "worker: copy 10,000 small files", [&] { return Copying(folder, out); }, "QFile::copy",
         [&] { return CopyBare(folder, out); }, 1.15);
 }
 
@@ -612,7 +638,7 @@ void MeasureDisk(const QString&)
             return work();
         };
     };
-    Compare("worker: copy 200 files of 4 to 12 MB", settled([&] { return Steps(large, out, false)[1]; }), "QFile::copy",
+    Compare("worker: copy 200 files of 4 to 12 MB", settled([&] { return Copying(large, out); }), "QFile::copy",
             settled([&] { return CopyBare(large, out); }), 1.1, 3);
 }
 
@@ -638,12 +664,44 @@ void MeasureLargeLibrary(const QString& place)
     freeze("erase, process", [&] { window.Erase(place + "/out"); });
 }
 
+/// Waiting for a disk that takes long for each flush.
+void MeasureFlush([[maybe_unused]] const QString& place)
+{
+#ifdef Q_OS_LINUX
+    const QTemporaryDir folder(QDir::current().filePath("bench-XXXXXX"));
+    const auto measure = [](const char* work, const QString& music, const QString& out, int bound) {
+        const auto seconds = [&](Flushing pretended) {
+            flushing = pretended;
+            commits = 0;
+            const auto steps = Steps(music, out, false);
+            flushing = Flushing::Real;
+            return steps[0] + steps[1] + steps[2];
+        };
+        seconds(Flushing::None); // cold memory
+        const double bare = seconds(Flushing::None), slow = seconds(Flushing::Slow);
+        Print(QString("worker: commits, ") + work, "the same without flushes",
+              QString::asprintf("%.3f / %.3f s", slow, bare), commits, bound);
+    };
+    measure("1,000 small files", MakeLibrary(place + "/1000", 1000), place + "/out", 1000 / 16);
+    measure("60 files of 7 and 8 MB", MakeMusic(folder.filePath("music"), {"mp3"}, 60, 7, 2), folder.filePath("out"),
+            (60 * 15 / 2 + 63) / 64);
+#endif
+}
+
 constexpr std::pair<const char*, void (*)(const QString&)> sections[] = {
-    {"start", MeasureStart},   {"rebuild", MeasureRebuild}, {"add", MeasureAdd},
-    {"drop", MeasureDrop},     {"process", MeasureProcess}, {"steps", MeasureSteps},
-    {"saving", MeasureSaving}, {"disk", MeasureDisk},       {"large", MeasureLargeLibrary},
+    {"start", MeasureStart},     {"rebuild", MeasureRebuild},    {"add", MeasureAdd},       {"drop", MeasureDrop},
+    {"process", MeasureProcess}, {"steps", MeasureSteps},        {"saving", MeasureSaving}, {"disk", MeasureDisk},
+    {"flush", MeasureFlush},     {"large", MeasureLargeLibrary},
 };
 } // namespace
+
+#ifdef Q_OS_LINUX
+/// In front of the system's own.
+extern "C" int fsync(int file)
+{
+    return flushing == Flushing::Real ? static_cast<int>(syscall(SYS_fsync, file)) : FlushPretended();
+}
+#endif
 
 int main(int argc, char** argv)
 {
