@@ -1,6 +1,8 @@
 #include "demo/AudioSamples.h"
 #include "files/CopyGroup.h"
+#include "files/FileNames.h"
 #include "files/TextFile.h"
+#include "processing/ProcessThread.h"
 #include "tags/PieceStream.h"
 #include "tags/TagManager.h"
 
@@ -22,8 +24,10 @@
 
 namespace
 {
-/// What a system call does instead of its work: it fails with the error that this returns, unless that is 0.
+/// What a system call does instead of its work: it fails with the error that this returns, unless that is 0, or does
+/// half of what it was asked to.
 std::function<int(const QByteArray& call)> onCall;
+constexpr int half = -1;
 
 template <class... Arguments>
 long Call(const char* name, long number, Arguments... arguments)
@@ -35,11 +39,22 @@ long Call(const char* name, long number, Arguments... arguments)
     return -1;
 }
 
+/// Reading and writing, which may do half of it.
+template <class Bytes>
+ssize_t Transfer(const char* name, long number, int file, Bytes* bytes, size_t size, off_t start)
+{
+    const int error = onCall ? onCall(name) : 0;
+    if (error == 0 || error == half)
+        return syscall(number, file, bytes, error == half && size > 1 ? size / 2 : size, start);
+    errno = error;
+    return -1;
+}
+
 /// A system call that fails during some work.
 struct FailingCall
 {
     const char *work, *call;
-    int nth; ///< 0 for each of them
+    int nth; ///< 0 for each of them, -2 for the first two
     int error;
     bool done = false; ///< all the same
 };
@@ -60,16 +75,25 @@ REPLACE(int, renameat2, (int from, const char* old, int to, const char* name, un
 REPLACE(ssize_t, copy_file_range, (int from, off64_t* start, int to, off64_t* end, size_t size, unsigned int flags),
         SYS_copy_file_range, from, start, to, end, size, flags)
 REPLACE(ssize_t, sendfile, (int to, int from, off_t* start, size_t size) noexcept, SYS_sendfile, to, from, start, size)
-REPLACE(ssize_t, pread, (int file, void* bytes, size_t size, off_t start), SYS_pread64, file, bytes, size, start)
-REPLACE(ssize_t, pwrite, (int file, const void* bytes, size_t size, off_t start), SYS_pwrite64, file, bytes, size,
-        start)
+REPLACE(int, fchown, (int file, uid_t owner, gid_t group) noexcept, SYS_fchown, file, owner, group)
+REPLACE(int, ftruncate, (int file, off_t size) noexcept, SYS_ftruncate, file, size)
+REPLACE(int, unlink, (const char* name) noexcept, SYS_unlinkat, AT_FDCWD, name, 0)
+extern "C" ssize_t pread(int file, void* bytes, size_t size, off_t start)
+{
+    return Transfer("pread", SYS_pread64, file, bytes, size, start);
+}
+extern "C" ssize_t pwrite(int file, const void* bytes, size_t size, off_t start)
+{
+    return Transfer("pwrite", SYS_pwrite64, file, bytes, size, start);
+}
 extern "C" int open(const char* name, int flags, ...)
 {
     va_list arguments;
     va_start(arguments, flags);
     const mode_t mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    return static_cast<int>(Call(flags & O_EXCL ? "open new" : "open", SYS_openat, AT_FDCWD, name, flags, mode));
+    const char* const call = flags & O_EXCL ? "open new" : flags & O_NONBLOCK ? "open" : "open, waiting";
+    return static_cast<int>(Call(call, SYS_openat, AT_FDCWD, name, flags, mode));
 }
 
 /// The layer that writes: whatever the disk does, a file is as it was or as it was meant to be.
@@ -83,31 +107,38 @@ private:
     QString In(const QString& name) const { return folder->filePath(name); }
     QStringList Names() const { return QDir(folder->path()).entryList(QDir::Files | QDir::Hidden, QDir::Name); }
 
-    /// Copies "a.mp3" to these names, in one group. @return what became of each.
-    QString Copy(const QString& names, const std::function<bool()>& goOn) const
+    QByteArray Path(const QString& name) const { return QFile::encodeName(In(name)); }
+
+    /// Copies each file of "in/" to the folder "out", in one group. @return what became of them.
+    QString Copy(const QStringList& names, const std::function<bool()>& goOn) const
     {
-        QStringList results;
-        for (int i = 0; i <= names.count(' '); ++i)
-            results += "nothing";
+        QVector<const char*> results(names.size(), "nothing");
         CopyGroup group(goOn, [&results](int row, const SCopy& copy) {
-            results[row] = copy.result == CopyResult::Copied   ? "Copied"
-                           : copy.result == CopyResult::Failed ? "Failed"
-                                                               : "Stopped";
+            const char* const words[] = {"copied", "failed", "stopped"};
+            results[row] = words[static_cast<int>(copy.result)];
         });
-        int row = 0;
-        for (const QString& name : names.split(' ')) {
-            group.FinishBefore(In(name));
-            group.Add(row++, In("a.mp3"), In(name));
+        for (int row = 0; row < names.size(); ++row) {
+            group.FinishBefore(In("out/" + names.at(row)));
+            group.Add(row, In("in/" + names.at(row)), In("out/" + names.at(row)));
         }
         group.Finish();
-        return results.join(' ');
+        return QStringList(results.begin(), results.end()).join(' ');
+    }
+
+    CopyResult CopyOne(const QString& name, const std::function<bool()>& goOn) const
+    {
+        CopyResult result = CopyResult::Failed;
+        CopyGroup group(goOn, [&result](int, const SCopy& copy) { result = copy.result; });
+        group.Add(0, In("a.mp3"), In(name));
+        group.Finish();
+        return result;
     }
 
     /// Makes "copy.mp3" of "a.mp3", edits the title of that, or saves it as a profile. @return what the call says.
     bool Work(const QString& what) const
     {
         if (what == "copy")
-            return Copy("copy.mp3", [] { return true; }) == QString("Copied");
+            return CopyOne("copy.mp3", [] { return true; }) == CopyResult::Copied;
         if (what == "profile")
             return WriteWholeFile(In("a.mp3"), "profile");
         TagManager tags;
@@ -155,12 +186,20 @@ private slots:
         const FailingCall rows[] = {
             {"copy", "fsync", 1, EIO},
             {"copy", "fsync", 0, EINVAL, true}, // no such call on this disk
+            {"copy", "fsync", -2, EINTR, true},
+            {"copy", "open", 0, EWOULDBLOCK, true}, // under a lease
+            {"copy", "pread", 0, half, true},
+            {"copy", "pwrite", 0, half, true},
+            {"copy", "pwrite", -2, EINTR, true},
             {"copy", "renameat2", 1, EINVAL, true},
             {"copy", "copy_file_range", 0, EXDEV, true},
             {"copy", "fchmod", 0, EPERM, true},
             {"copy", "pread", 0, EIO},
             {"copy", "pwrite", 1, ENOSPC},
             {"fits", "pwrite", 2, EIO},
+            {"fits", "pwrite", 0, half, true},
+            {"fits", "pread", -2, EINTR, true},
+            {"fits", "open", 0, EWOULDBLOCK, true},
             {"fits", "fsync", 1, EIO},
             {"moves", "open new", 1, ENOSPC},
             {"moves", "pwrite", 1, ENOSPC},
@@ -171,7 +210,9 @@ private slots:
         };
         QTest::addColumn<FailingCall>("row");
         for (const FailingCall& row : rows)
-            QTest::addRow("%s: %s %d, %s", row.work, row.call, row.nth, strerror(row.error)) << row;
+            QTest::addRow("%s: %s %d, %s", row.work, row.call, row.nth,
+                          row.error == half ? "half" : strerror(row.error))
+                << row;
     }
     void failingCalls()
     {
@@ -183,7 +224,7 @@ private slots:
             // Reading and writing are the last resort of copying.
             if (copies && *row.call == 'p' && (name == "copy_file_range" || name == "sendfile"))
                 return ENOSYS;
-            return name == row.call && (++count == row.nth || row.nth == 0) ? row.error : 0;
+            return name == row.call && (++count == row.nth || row.nth == 0 || count <= -row.nth) ? row.error : 0;
         };
         const bool success = Work(row.work);
         onCall = nullptr;
@@ -198,10 +239,11 @@ private slots:
     {
         const QByteArray path = QFile::encodeName(In("a.mp3"));
         QCOMPARE(link(path, QFile::encodeName(In("linked.mp3"))), 0);
-        QCOMPARE(chmod(path, 0604), 0);
-        const bool hasAttributes = setxattr(path, "user.mood", "calm", 4, 0) == 0; // not every disk has
-        if (getuid() == 0)
+        const bool isRoot = getuid() == 0;
+        if (isRoot)
             QVERIFY(chown(path, 4711, 4712) == 0);
+        QCOMPARE(chmod(path, isRoot ? 06604 : 0604), 0);
+        const bool hasAttributes = setxattr(path, "user.mood", "calm", 4, 0) == 0; // not every disk has
         const auto belongings = [&](const QString& name) {
             char mood[5] = {};
             if (hasAttributes)
@@ -212,11 +254,13 @@ private slots:
         const QString before = belongings("a.mp3");
         Work("fits");
         QVERIFY(Bytes(In("a.mp3")) == Bytes(In("linked.mp3")));
-        const timespec times[] = {{0, UTIME_OMIT}, {981173106, 789000000}};
+        const timespec times[] = {{981173105, 123000000}, {981173106, 789000000}};
         QVERIFY(utimensat(AT_FDCWD, path, times, 0) == 0);
         QVERIFY(Work("copy"));
-        const QString copy = belongings("copy.mp3"); // but for the owner
-        QCOMPARE(copy.section(' ', 0, 0) + copy.section(' ', 3), before.section(' ', 0, 0) + before.section(' ', 3));
+        QCOMPARE(FactsOf(In("copy.mp3"))->accessed.tv_sec, times[0].tv_sec);
+        const QString copy = belongings("copy.mp3"); // but for the owner, as whom nobody may run it then
+        QCOMPARE(copy.section(' ', 0, 0).toUInt(), before.section(' ', 0, 0).toUInt() & ~06000u);
+        QCOMPARE(copy.section(' ', 3), before.section(' ', 3));
         QCOMPARE(QFileInfo(In("copy.mp3")).lastModified().toMSecsSinceEpoch(), 981173106789);
         QVERIFY(!Work("copy")); // what is there stays
         Work("moves");
@@ -224,7 +268,7 @@ private slots:
         QVERIFY(Bytes(In("a.mp3")) != Bytes(In("linked.mp3")));
 
         int steps = 0;
-        QCOMPARE(Copy("stopped.mp3", [&steps] { return ++steps > 1; }), QString("Stopped"));
+        QCOMPARE(CopyOne("stopped.mp3", [&steps] { return ++steps > 1; }), CopyResult::Stopped);
         QCOMPARE(Names(), QStringList({"a.mp3", "copy.mp3", "linked.mp3"}));
     }
 
@@ -297,11 +341,284 @@ private slots:
         file.Replace(file.Size() - 1, 2, "x");
         QCOMPARE(file.Save([] { return true; }), EditedFile::Saved::NotAtAll);
         QVERIFY(Bytes(In("a.mp3")) == before);
-        EditedFile shorter(In("a.mp3"));
-        shorter.Truncate(shorter.Size() - 9);
-        onCall = [](const QByteArray& call) { return call == "fsync" ? EIO : 0; };
-        QCOMPARE(shorter.Save([] { return true; }), EditedFile::Saved::NotAtAll);
-        QVERIFY(Bytes(In("a.mp3")) == before);
+        for (const char* const failing : {"fsync", "ftruncate"}) {
+            EditedFile shorter(In("a.mp3"));
+            shorter.Truncate(shorter.Size() - 9);
+            onCall = [failing](const QByteArray& call) { return call == failing ? EIO : 0; };
+            QCOMPARE(shorter.Save([] { return true; }), EditedFile::Saved::NotAtAll);
+            QVERIFY2(Bytes(In("a.mp3")) == before, failing);
+        }
+    }
+
+    void groups_data()
+    {
+        const QString some = "1 2 3";
+        QTest::addColumn<QString>("names");
+        QTest::addColumn<QByteArray>("event"); // a call, and which one
+        QTest::addColumn<QString>("what");     // happens then
+        QTest::addColumn<QString>("results");
+        QTest::addColumn<QString>("calls"); // making a file, flushing it, giving it its name
+        QTest::newRow("together") << some << QByteArray() << ""
+                                  << "copied copied copied"
+                                  << "mmmfffnnn";
+        QTest::newRow("a refused flush") << some << QByteArray("fsync 2") << "fails"
+                                         << "copied failed copied"
+                                         << "mmmfffnn";
+        QTest::newRow("a refused name") << some << QByteArray("renameat2 2") << "fails"
+                                        << "copied failed copied"
+                                        << "mmmfffnnn";
+        QTest::newRow("a changed source") << some << QByteArray("fsync 3") << "2 is written"
+                                          << "copied failed copied"
+                                          << "mmmfffnn";
+        QTest::newRow("a stop with two waiting") << some << QByteArray("open new 3") << "stop"
+                                                 << "stopped stopped stopped"
+                                                 << "mmm";
+        QTest::newRow("a stop while they are flushed") << some << QByteArray("fsync 1") << "stop"
+                                                       << "stopped stopped stopped"
+                                                       << "mmmf";
+        QTest::newRow("a stop while they are named") << some << QByteArray("renameat2 2") << "stop"
+                                                     << "copied copied stopped"
+                                                     << "mmmfffnn";
+        QTest::newRow("equal names") << "1 2 1" << QByteArray() << ""
+                                     << "copied copied failed"
+                                     << "mmffnnmfn";
+        QTest::newRow("letter case") << "a A" << QByteArray() << ""
+                                     << "copied copied"
+                                     << "mfnmfn";
+        QTest::newRow("normal form") << QString::fromUtf8("\u00e9 e\u0301") << QByteArray() << ""
+                                     << "copied copied"
+                                     << "mfnmfn";
+        QTest::newRow("by way of a link") << "f/1 l/1" << QByteArray() << ""
+                                          << "copied failed"
+                                          << "mfnmfn";
+        QTest::newRow("too large together") << "1 65MB 2 40MB 39MB" << QByteArray() << ""
+                                            << "copied copied copied copied copied"
+                                            << "mmfnfnmmmffnnfn";
+        QTest::newRow("a second is over") << "1 2MB" << QByteArray("open new 2") << "a second"
+                                          << "copied copied"
+                                          << "mmfnfn";
+        QStringList many, copied;
+        for (int i = 0; i < 33; ++i) {
+            many += QString::number(i);
+            copied += "copied";
+        }
+        QTest::newRow("33") << many.join(' ') << QByteArray() << "" << copied.join(' ')
+                            << QString(32, 'm') + QString(32, 'f') + QString(32, 'n') + "mfn";
+    }
+    void groups()
+    {
+        QFETCH(QString, names);
+        QFETCH(QByteArray, event);
+        QFETCH(QString, what);
+        for (const QString place : {"in", "out"}) {
+            QVERIFY(QDir().mkpath(In(place + "/f")));
+            QVERIFY(QFile::link(In(place + "/f"), In(place + "/l")));
+        }
+        for (const QString& name : names.split(' ')) {
+            QFile file(In("in/" + name));
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(name.toUtf8()) > 0);
+            file.resize(name.endsWith("MB") ? name.chopped(2).toInt() << 20 : file.size());
+        }
+        QString calls;
+        QMap<QByteArray, int> counts;
+        bool stopped = false, slow = false;
+        onCall = [&](const QByteArray& call) {
+            const QMap<QByteArray, char> letters{{"open new", 'm'}, {"fsync", 'f'}, {"renameat2", 'n'}};
+            if (letters.contains(call))
+                calls += letters.value(call);
+            if (call + ' ' + QByteArray::number(++counts[call]) != event)
+                return 0;
+            stopped = what == "stop";
+            slow = what == "a second";
+            if (what == "2 is written")
+                QFile::resize(In("in/2"), 100);
+            return what == "fails" ? EIO : 0;
+        };
+        const QString results = Copy(names.split(' '), [&] {
+            if (std::exchange(slow, false))
+                usleep(1100000);
+            return !stopped;
+        });
+        onCall = nullptr;
+        QTEST(results, "results");
+        QTEST(calls, "calls");
+        QCOMPARE(FilesBelow(In("out")).size(), results.count("copied"));
+    }
+
+    void removesForAnotherFile_data()
+    {
+        QTest::addColumn<QByteArray>("event");
+        QTest::addColumn<QString>("what");
+        QTest::addColumn<bool>("removed");
+        QTest::newRow("another file") << QByteArray() << "" << true;
+        QTest::newRow("the same, mounted twice") << QByteArray("renameat2 1") << "goes" << false;
+        QTest::newRow("the same, on a server that opens it all the same") << QByteArray("open 1") << "is one" << false;
+        QTest::newRow("a folder") << QByteArray("renameat2 1") << "is a folder" << false;
+        QTest::newRow("cannot be opened") << QByteArray("open 1") << "EIO" << false;
+        QTest::newRow("no renaming aside") << QByteArray("renameat2 1") << "EACCES" << false;
+        QTest::newRow("the hidden name is taken") << QByteArray("renameat2 1") << "EEXIST" << true;
+        QTest::newRow("no renaming without replacing") << QByteArray("renameat2 1") << "EINVAL" << true;
+        QTest::newRow("no deleting") << QByteArray("unlink 1") << "EACCES" << false;
+    }
+    void removesForAnotherFile()
+    {
+        QFETCH(QByteArray, event);
+        QFETCH(QString, what);
+        PutSample("bare.mp3", In("there.mp3"));
+        const QByteArray content = Bytes(In("a.mp3"));
+        QMap<QByteArray, int> counts;
+        onCall = [&](const QByteArray& call) {
+            if (call + ' ' + QByteArray::number(++counts[call]) != event)
+                return 0;
+            if (what == "goes" || what.startsWith("is"))
+                QFile::remove(In("there.mp3"));
+            if (what == "is a folder")
+                QDir(folder->path()).mkdir("there.mp3");
+            if (what == "is one")
+                link(Path(Names().constFirst()), Path("there.mp3"));
+            return QMap<QString, int>{{"EIO", EIO}, {"EACCES", EACCES}, {"EEXIST", EEXIST}, {"EINVAL", EINVAL}}[what];
+        };
+        const bool removed = RemoveFile(In("a.mp3"), In("there.mp3"));
+        QTEST(removed, "removed");
+        QCOMPARE(Bytes(In("a.mp3")), removed ? QByteArray("<unreadable>") : content);
+        QCOMPARE(Names().filter("orvanto"), QStringList());
+    }
+
+    void originalsGoWhenAllIsProven_data()
+    {
+        QTest::addColumn<QString>("where");
+        QTest::addColumn<QByteArray>("event");
+        QTest::addColumn<QString>("what");
+        QTest::addColumn<bool>("goes");
+        QTest::newRow("copied") << "out" << QByteArray() << "" << true;
+        const char* const folders[] = {"album",      "artist",     "genre", "output folder",
+                                       "made above", "above that", "first"};
+        for (int i = 0; i < 7; ++i) // the first flush is that of the copy
+            QTest::addRow("no flush of the %s", folders[i]) << "new/upper/out"
+                                                            << "fsync " + QByteArray::number(2 + i) << "fails" << false;
+        QTest::newRow("written while names are flushed") << "out" << QByteArray("fsync 2") << "is written" << false;
+        QTest::newRow("the copy goes meanwhile") << "out" << QByteArray("fsync 2") << "copy goes" << false;
+        QTest::newRow("a folder takes its place") << "out" << QByteArray("fsync 2") << "folder" << false;
+        QTest::newRow("a stop within the file") << "out" << QByteArray("copy_file_range 1") << "stop" << false;
+        QTest::newRow("a stop while it waits") << "out" << QByteArray("fsync 1") << "stop" << false;
+        QTest::newRow("there, on another volume") << "other" << QByteArray() << "" << true;
+        QTest::newRow("there, and itself") << "other" << QByteArray("renameat2 1") << "copy goes" << false;
+    }
+    void originalsGoWhenAllIsProven()
+    {
+        QFETCH(QString, where);
+        QFETCH(QByteArray, event);
+        QFETCH(QString, what);
+        const QTemporaryDir other("/dev/shm/orvanto-XXXXXX");
+        QString out = In(where);
+        if (where == "other") {
+            const auto here = FactsOf(folder->path()), there = FactsOf(other.path());
+            if (!there || here->device == there->device)
+                QSKIP("there is no second file system");
+            out = other.path();
+            PutSample("bare.mp3", out + "/G/A/L/T.mp3");
+        }
+        ProcessThread worker(nullptr);
+        worker.files += {"T", "A", "L", "1999", "G", "7", In("a.mp3")};
+        worker.settings = {10, 1, {}, false, false, true, out, true};
+        QFile source(In("a.mp3"));
+        QVERIFY(source.resize(3 << 20));
+        QMap<QByteArray, int> counts;
+        bool happened = event.isEmpty();
+        onCall = [&](const QByteArray& call) {
+            if (call + ' ' + QByteArray::number(++counts[call]) != event)
+                return 0;
+            happened = true;
+            if (what == "is written")
+                QFile::resize(In("a.mp3"), 100);
+            if (what == "copy goes" || what == "folder")
+                QFile::remove(out + "/G/A/L/T.mp3");
+            if (what == "folder")
+                QDir().mkdir(out + "/G/A/L/T.mp3");
+            if (what == "stop")
+                worker.requestInterruption();
+            return what == "fails" ? EIO : 0;
+        };
+        worker.start();
+        worker.wait();
+        onCall = nullptr;
+        QVERIFY(happened);
+        QFETCH(bool, goes);
+        QCOMPARE(Names(), goes ? QStringList() : QStringList("a.mp3"));
+        QCOMPARE(worker.failedPaths.size(), goes || what == "stop" ? 0 : 1);
+        QCOMPARE(worker.end, what == "stop" ? RunEnd::Interrupted : RunEnd::Complete);
+        if (what == "stop")
+            QCOMPARE(FilesBelow(out), QStringList());
+    }
+
+    void stopsBetweenTwoOriginals()
+    {
+        ProcessThread worker(nullptr);
+        for (const char* title : {"1", "2"})
+            worker.files +=
+                {title, "A", "L", "1999", "G", "7", PutSample("full.mp3", In(QString("in/%1.mp3").arg(title)))};
+        worker.settings = {0, 1, {}, false, false, true, In("out"), true};
+        onCall = [&](const QByteArray& call) {
+            if (call == "unlink")
+                worker.requestInterruption();
+            return 0;
+        };
+        worker.start();
+        worker.wait();
+        QCOMPARE(worker.end, RunEnd::Interrupted);
+        QCOMPARE(FilesBelow(In("in")), QStringList(In("in/2.mp3")));
+    }
+
+    void profilesStayWhatTheyAre()
+    {
+        QVERIFY(chmod(Path("a.mp3"), 0640) == 0 && QDir(folder->path()).mkdir("full"));
+        QVERIFY(QFile::link(In("a.mp3"), In("link")) && QFile::link(In("link"), In("chain")));
+        QVERIFY(QFile::link(In("full/new"), In("dangling")) && mkfifo(Path("pipe"), 0600) == 0);
+        QVERIFY(!WriteWholeFile(In("pipe"), "x")); // that nobody reads, and nobody waits for
+        QFile pipe;
+        QVERIFY(pipe.open(::open(Path("pipe"), O_RDONLY | O_NONBLOCK), QIODevice::ReadOnly));
+        for (const char* const name : {"chain", "dangling", "pipe"})
+            QVERIFY2(WriteWholeFile(In(name), name), name);
+        QCOMPARE(Bytes(In("a.mp3")), QByteArray("chain"));
+        QCOMPARE(FactsOf(In("a.mp3"))->mode & 0777, 0640u);
+        QCOMPARE(Bytes(In("full/new")), QByteArray("dangling"));
+        QCOMPARE(pipe.read(9), QByteArray("pipe"));
+        for (const char* const name : {"link", "chain", "dangling"})
+            QVERIFY2(QFileInfo(In(name)).isSymLink(), name);
+
+        // A folder that takes no file, and a profile that may be written only.
+        QVERIFY(chmod(Path("full/new"), 0222) == 0 && chmod(Path("full"), 0555) == 0);
+        const QString current = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(In("full"))); // what is above it may be closed to others
+        const bool isRoot = geteuid() == 0;
+        QVERIFY(!isRoot || seteuid(65534) == 0);
+        const bool written = WriteWholeFile("new", "direct"), made = WriteWholeFile("none", "x");
+        QVERIFY(!isRoot || seteuid(0) == 0);
+        QVERIFY(QDir::setCurrent(current));
+        QVERIFY(chmod(Path("full"), 0755) == 0 && chmod(Path("full/new"), 0644) == 0);
+        QCOMPARE(written, true);
+        QCOMPARE(made, false);
+        QCOMPARE(Bytes(In("full/new")), QByteArray("direct"));
+    }
+
+    void groupThatCannotBeKept_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<bool>("saved");
+        QTest::newRow("as everybody") << 0644 << true;
+        QTest::newRow("less than everybody") << 0604 << true;
+        QTest::newRow("more than everybody") << 0664 << false;
+    }
+    void groupThatCannotBeKept()
+    {
+        if (getuid() != 0)
+            QSKIP("only root can give a file away");
+        QFETCH(int, mode);
+        QVERIFY(chown(Path("a.mp3"), 4711, 4712) == 0 && chmod(Path("a.mp3"), static_cast<mode_t>(mode)) == 0);
+        const QByteArray before = Bytes(In("a.mp3"));
+        onCall = [](const QByteArray& call) { return call == "fchown" ? EPERM : 0; };
+        Work("moves");
+        QTEST(Bytes(In("a.mp3")) != before, "saved");
     }
 
     void pathsOfOneFile()

@@ -144,6 +144,8 @@ private slots:
             {"in place, by way of a link", "0 0 link delete", "x", "x"},
             {"in place, empty level", "14 0 in delete", "x;Album=...", "x"},
             {"in place, other name", "0 1 in delete", "x", "T"},
+            {"in place, spelled like a copy", "0 1 in delete", "a;Title=b|B;Title=c|c;Title=c", "B|b|c", "", "",
+             "1 2 3"},
         };
         QTest::addColumn<Run>("row");
         for (const Run& row : rows)
@@ -198,6 +200,15 @@ private slots:
         });
         Organise("0 0 out abort delete");
         QCOMPARE(Left(), QString("failed: 1|2|3|5, left: 1|2|3|5|out/1|out/3|out/4|out/6|out/7"));
+    }
+
+    void whatFailedOnceStays()
+    {
+        Add("1;Title=An Unknown");
+        for (const char* path : {"in/1.mp3", "link/1.mp3"})
+            worker->files += {path, "A", "L", "1999", "G", "7", In(path)};
+        Organise("0 1 out abort delete");
+        QCOMPARE(Left(), QString("failed: 1, left: 1|out/in 1 mp3|out/link 1 mp3"));
     }
 
     void copiesStayInside()
