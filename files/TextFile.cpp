@@ -11,7 +11,7 @@ bool WriteWholeFile(const QString& path, const QByteArray& content)
     const QFileInfo old(path);
     if (old.exists() && !old.isFile()) // a pipe or a device
         return AppendToFile(path, content);
-    QSaveFile file(old.exists() ? old.canonicalFilePath() : path); // every link stays one
+    QSaveFile file(path);
     file.setDirectWriteFallback(true);
     const bool isOpen = file.open(QIODevice::WriteOnly);
     if (!isOpen || file.write(content) != content.size() || !file.commit())
