@@ -5,6 +5,7 @@
 #include "processing/ProcessThread.h"
 #include "tags/PieceStream.h"
 #include "tags/TagManager.h"
+#include "tests/Rows.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -132,6 +133,15 @@ private:
         group.Add(0, In("a.mp3"), In(name));
         group.Finish();
         return result;
+    }
+
+    /// For onCall: does something at the call that the row names as its event, "fsync 2".
+    static std::function<int(const QByteArray& call)> AtEvent(const std::function<int()>& action)
+    {
+        QFETCH(QString, event);
+        return [=, counts = QMap<QByteArray, int>()](const QByteArray& call) mutable {
+            return QString("%1 %2").arg(QString(call)).arg(++counts[call]) == event ? action() : 0;
+        };
     }
 
     /// Makes "copy.mp3" of "a.mp3", edits the title of that, or saves it as a profile. @return what the call says.
@@ -352,87 +362,56 @@ private slots:
 
     void groups_data()
     {
-        const QString some = "1 2 3";
-        QTest::addColumn<QString>("names");
-        QTest::addColumn<QByteArray>("event"); // a call, and which one
-        QTest::addColumn<QString>("what");     // happens then
-        QTest::addColumn<QString>("results");
-        QTest::addColumn<QString>("calls"); // making a file, flushing it, giving it its name
-        QTest::newRow("together") << some << QByteArray() << ""
-                                  << "copied copied copied"
-                                  << "mmmfffnnn";
-        QTest::newRow("a refused flush") << some << QByteArray("fsync 2") << "fails"
-                                         << "copied failed copied"
-                                         << "mmmfffnn";
-        QTest::newRow("a refused name") << some << QByteArray("renameat2 2") << "fails"
-                                        << "copied failed copied"
-                                        << "mmmfffnnn";
-        QTest::newRow("a changed source") << some << QByteArray("fsync 3") << "2 is written"
-                                          << "copied failed copied"
-                                          << "mmmfffnn";
-        QTest::newRow("a stop with two waiting") << some << QByteArray("open new 3") << "stop"
-                                                 << "stopped stopped stopped"
-                                                 << "mmm";
-        QTest::newRow("a stop while they are flushed") << some << QByteArray("fsync 1") << "stop"
-                                                       << "stopped stopped stopped"
-                                                       << "mmmf";
-        QTest::newRow("a stop while they are named") << some << QByteArray("renameat2 2") << "stop"
-                                                     << "copied copied stopped"
-                                                     << "mmmfffnn";
-        QTest::newRow("equal names") << "1 2 1" << QByteArray() << ""
-                                     << "copied copied failed"
-                                     << "mmffnnmfn";
-        QTest::newRow("letter case") << "a A" << QByteArray() << ""
-                                     << "copied copied"
-                                     << "mfnmfn";
-        QTest::newRow("normal form") << QString::fromUtf8("\u00e9 e\u0301") << QByteArray() << ""
-                                     << "copied copied"
-                                     << "mfnmfn";
-        QTest::newRow("by way of a link") << "f/1 l/1" << QByteArray() << ""
-                                          << "copied failed"
-                                          << "mfnmfn";
-        QTest::newRow("too large together") << "1 65MB 2 40MB 39MB" << QByteArray() << ""
-                                            << "copied copied copied copied copied"
-                                            << "mmfnfnmmmffnnfn";
-        QTest::newRow("a second is over") << "1 2MB" << QByteArray("open new 2") << "a second"
-                                          << "copied copied"
-                                          << "mmfnfn";
-        QStringList many, copied;
+        QString many, copied;
         for (int i = 0; i < 33; ++i) {
-            many += QString::number(i);
-            copied += "copied";
+            many += QString(" %1").arg(i);
+            copied += " copied";
         }
-        QTest::newRow("33") << many.join(' ') << QByteArray() << "" << copied.join(' ')
-                            << QString(32, 'm') + QString(32, 'f') + QString(32, 'n') + "mfn";
+        // An event is what happens at a call; the calls make a file, flush it, and give it its name.
+        AddRows({"names", "event", "what", "results", "calls"},
+                {{"together", "1 2 3", "", "", "copied copied copied", "mmmfffnnn"},
+                 {"a refused flush", "1 2 3", "fsync 2", "fails", "copied failed copied", "mmmfffnn"},
+                 {"a refused name", "1 2 3", "renameat2 2", "fails", "copied failed copied", "mmmfffnnn"},
+                 {"a changed source", "1 2 3", "fsync 3", "2 is written", "copied failed copied", "mmmfffnn"},
+                 {"a stop with two waiting", "1 2 3", "open new 3", "stop", "stopped stopped stopped", "mmm"},
+                 {"a stop while they are flushed", "1 2 3", "fsync 1", "stop", "stopped stopped stopped", "mmmf"},
+                 {"a stop while they are named", "1 2 3", "renameat2 2", "stop", "copied copied stopped", "mmmfffnn"},
+                 {"equal names", "1 2 1", "", "", "copied copied failed", "mmffnnmfn"},
+                 {"letter case", "a A", "", "", "copied copied", "mfnmfn"},
+                 {"normal form", "\u00e9 e\u0301", "", "", "copied copied", "mfnmfn"},
+                 {"by way of a link", "f/1 l/1", "", "", "copied failed", "mfnmfn"},
+                 {"too large together", "1 65MB 2 40MB 39MB", "", "", "copied copied copied copied copied",
+                  "mmfnfnmmmffnnfn"},
+                 {"a second is over", "1 2MB", "open new 2", "a second", "copied copied", "mmfnfn"},
+                 {"33", many.mid(1), "", "", copied.mid(1),
+                  QString(32, 'm') + QString(32, 'f') + QString(32, 'n') + "mfn"}});
     }
     void groups()
     {
         QFETCH(QString, names);
-        QFETCH(QByteArray, event);
         QFETCH(QString, what);
         for (const QString place : {"in", "out"}) {
             QVERIFY(QDir().mkpath(In(place + "/f")));
             QVERIFY(QFile::link(In(place + "/f"), In(place + "/l")));
         }
         for (const QString& name : names.split(' ')) {
-            QFile file(In("in/" + name));
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(name.toUtf8()) > 0);
-            file.resize(name.endsWith("MB") ? name.chopped(2).toInt() << 20 : file.size());
+            PutBytes(In("in/" + name), name.toUtf8());
+            if (name.endsWith("MB"))
+                QVERIFY(QFile::resize(In("in/" + name), name.chopped(2).toInt() << 20));
         }
         QString calls;
-        QMap<QByteArray, int> counts;
         bool stopped = false, slow = false;
-        onCall = [&](const QByteArray& call) {
-            const QMap<QByteArray, char> letters{{"open new", 'm'}, {"fsync", 'f'}, {"renameat2", 'n'}};
-            if (letters.contains(call))
-                calls += letters.value(call);
-            if (call + ' ' + QByteArray::number(++counts[call]) != event)
-                return 0;
+        const auto happens = AtEvent([&] {
             stopped = what == "stop";
             slow = what == "a second";
             if (what == "2 is written")
                 QFile::resize(In("in/2"), 100);
             return what == "fails" ? EIO : 0;
+        });
+        onCall = [&](const QByteArray& call) {
+            const QMap<QByteArray, QString> letters{{"open new", "m"}, {"fsync", "f"}, {"renameat2", "n"}};
+            calls += letters.value(call);
+            return happens(call);
         };
         const QString results = Copy(names.split(' '), [&] {
             if (std::exchange(slow, false))
@@ -447,29 +426,23 @@ private slots:
 
     void removesForAnotherFile_data()
     {
-        QTest::addColumn<QByteArray>("event");
-        QTest::addColumn<QString>("what");
-        QTest::addColumn<bool>("removed");
-        QTest::newRow("another file") << QByteArray() << "" << true;
-        QTest::newRow("the same, mounted twice") << QByteArray("renameat2 1") << "goes" << false;
-        QTest::newRow("the same, on a server that opens it all the same") << QByteArray("open 1") << "is one" << false;
-        QTest::newRow("a folder") << QByteArray("renameat2 1") << "is a folder" << false;
-        QTest::newRow("cannot be opened") << QByteArray("open 1") << "EIO" << false;
-        QTest::newRow("no renaming aside") << QByteArray("renameat2 1") << "EACCES" << false;
-        QTest::newRow("the hidden name is taken") << QByteArray("renameat2 1") << "EEXIST" << true;
-        QTest::newRow("no renaming without replacing") << QByteArray("renameat2 1") << "EINVAL" << true;
-        QTest::newRow("no deleting") << QByteArray("unlink 1") << "EACCES" << false;
+        AddRows({"event", "what", "then"},
+                {{"another file", "", "", "removed"},
+                 {"the same, mounted twice", "renameat2 1", "goes", "kept"},
+                 {"the same, on a server that opens it all the same", "open 1", "is one", "kept"},
+                 {"a folder", "renameat2 1", "is a folder", "kept"},
+                 {"cannot be opened", "open 1", "EIO", "kept"},
+                 {"no renaming aside", "renameat2 1", "EACCES", "kept"},
+                 {"the hidden name is taken", "renameat2 1", "EEXIST", "removed"},
+                 {"no renaming without replacing", "renameat2 1", "EINVAL", "removed"},
+                 {"no deleting", "unlink 1", "EACCES", "kept"}});
     }
     void removesForAnotherFile()
     {
-        QFETCH(QByteArray, event);
         QFETCH(QString, what);
         PutSample("bare.mp3", In("there.mp3"));
         const QByteArray content = Bytes(In("a.mp3"));
-        QMap<QByteArray, int> counts;
-        onCall = [&](const QByteArray& call) {
-            if (call + ' ' + QByteArray::number(++counts[call]) != event)
-                return 0;
+        onCall = AtEvent([&] {
             if (what == "goes" || what.startsWith("is"))
                 QFile::remove(In("there.mp3"));
             if (what == "is a folder")
@@ -477,37 +450,37 @@ private slots:
             if (what == "is one")
                 link(Path(Names().constFirst()), Path("there.mp3"));
             return QMap<QString, int>{{"EIO", EIO}, {"EACCES", EACCES}, {"EEXIST", EEXIST}, {"EINVAL", EINVAL}}[what];
-        };
+        });
         const bool removed = RemoveFile(In("a.mp3"), In("there.mp3"));
-        QTEST(removed, "removed");
+        QTEST(QString(removed ? "removed" : "kept"), "then");
         QCOMPARE(Bytes(In("a.mp3")), removed ? QByteArray("<unreadable>") : content);
         QCOMPARE(Names().filter("orvanto"), QStringList());
     }
 
     void originalsGoWhenAllIsProven_data()
     {
-        QTest::addColumn<QString>("where");
-        QTest::addColumn<QByteArray>("event");
-        QTest::addColumn<QString>("what");
-        QTest::addColumn<bool>("goes");
-        QTest::newRow("copied") << "out" << QByteArray() << "" << true;
-        const char* const folders[] = {"album",      "artist",     "genre", "output folder",
-                                       "made above", "above that", "first"};
-        for (int i = 0; i < 7; ++i) // the first flush is that of the copy
-            QTest::addRow("no flush of the %s", folders[i]) << "new/upper/out"
-                                                            << "fsync " + QByteArray::number(2 + i) << "fails" << false;
-        QTest::newRow("written while names are flushed") << "out" << QByteArray("fsync 2") << "is written" << false;
-        QTest::newRow("the copy goes meanwhile") << "out" << QByteArray("fsync 2") << "copy goes" << false;
-        QTest::newRow("a folder takes its place") << "out" << QByteArray("fsync 2") << "folder" << false;
-        QTest::newRow("a stop within the file") << "out" << QByteArray("copy_file_range 1") << "stop" << false;
-        QTest::newRow("a stop while it waits") << "out" << QByteArray("fsync 1") << "stop" << false;
-        QTest::newRow("there, on another volume") << "other" << QByteArray() << "" << true;
-        QTest::newRow("there, and itself") << "other" << QByteArray("renameat2 1") << "copy goes" << false;
+        AddRows({"where", "event", "what", "then"},
+                {{"copied", "out", "", "", "goes"},
+                 // The first flush is that of the copy.
+                 {"no flush of the album", "new/upper/out", "fsync 2", "fails", "stays"},
+                 {"no flush of the artist", "new/upper/out", "fsync 3", "fails", "stays"},
+                 {"no flush of the genre", "new/upper/out", "fsync 4", "fails", "stays"},
+                 {"no flush of the output folder", "new/upper/out", "fsync 5", "fails", "stays"},
+                 {"no flush of what was made above", "new/upper/out", "fsync 6", "fails", "stays"},
+                 {"no flush above that", "new/upper/out", "fsync 7", "fails", "stays"},
+                 {"no flush of the first", "new/upper/out", "fsync 8", "fails", "stays"},
+                 {"written while names are flushed", "out", "fsync 2", "is written", "stays"},
+                 {"the copy goes meanwhile", "out", "fsync 2", "copy goes", "stays"},
+                 {"a folder takes its place", "out", "fsync 2", "folder", "stays"},
+                 {"a stop within the file", "out", "copy_file_range 1", "stop", "stays"},
+                 {"a stop while it waits", "out", "fsync 1", "stop", "stays"},
+                 {"there, on another volume", "other", "", "", "goes"},
+                 {"there, and itself", "other", "renameat2 1", "copy goes", "stays"}});
     }
     void originalsGoWhenAllIsProven()
     {
         QFETCH(QString, where);
-        QFETCH(QByteArray, event);
+        QFETCH(QString, event);
         QFETCH(QString, what);
         const QTemporaryDir other("/dev/shm/orvanto-XXXXXX");
         QString out = In(where);
@@ -523,11 +496,8 @@ private slots:
         worker.settings = {10, 1, {}, false, false, true, out, true};
         QFile source(In("a.mp3"));
         QVERIFY(source.resize(3 << 20));
-        QMap<QByteArray, int> counts;
         bool happened = event.isEmpty();
-        onCall = [&](const QByteArray& call) {
-            if (call + ' ' + QByteArray::number(++counts[call]) != event)
-                return 0;
+        onCall = AtEvent([&] {
             happened = true;
             if (what == "is written")
                 QFile::resize(In("a.mp3"), 100);
@@ -538,12 +508,13 @@ private slots:
             if (what == "stop")
                 worker.requestInterruption();
             return what == "fails" ? EIO : 0;
-        };
+        });
         worker.start();
         worker.wait();
         onCall = nullptr;
         QVERIFY(happened);
-        QFETCH(bool, goes);
+        QFETCH(QString, then);
+        const bool goes = then == "goes";
         QCOMPARE(Names(), goes ? QStringList() : QStringList("a.mp3"));
         QCOMPARE(worker.failedPaths.size(), goes || what == "stop" ? 0 : 1);
         QCOMPARE(worker.end, what == "stop" ? RunEnd::Interrupted : RunEnd::Complete);
