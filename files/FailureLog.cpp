@@ -16,5 +16,5 @@ QString SystemReason()
 
 void LogFailure(const char* notDone, const QString& path, const QString& reason)
 {
-    qCWarning(filesLog).noquote() << notDone << path + QLatin1Char(':') << reason;
+    qCWarning(filesLog, "%s %s: %s", notDone, qUtf8Printable(path), qUtf8Printable(reason));
 }
