@@ -25,7 +25,7 @@ bool Fits(const QAbstractButton& button)
 {
     if (!qobject_cast<const QPushButton*>(&button))
         return button.sizeHint().width() <= button.width();
-    // The size hint of a push button has a least width that a form may fall below.
+    // A push button's size hint has a minimum width, which a form may undercut.
     constexpr int frame = 4, gap = 4; // pixels; the gap is that of Qt's styles between icon and text
     const int icon = button.icon().isNull() ? 0 : button.iconSize().width() + gap;
     const int text = button.fontMetrics().size(Qt::TextShowMnemonic, button.text()).width();
@@ -43,7 +43,7 @@ bool IsCut(const QWidget* caption)
     return button && !button->text().isEmpty() && !Fits(*button);
 }
 
-/// The group box that @p caption stands in, else the caption itself.
+/// The group box that @p caption is in, else the caption itself.
 QWidget* GroupOf(QWidget* caption)
 {
     QWidget* box = caption->parentWidget();
@@ -52,12 +52,12 @@ QWidget* GroupOf(QWidget* caption)
     return qobject_cast<QGroupBox*>(box) ? box : caption;
 }
 
-/// Draws @p captions, which have one size, one pixel smaller. @return whether it did.
+/// Makes @p captions, which share one font size, one pixel smaller. @return false when they are as small as allowed.
 bool Shrink(const QWidgetList& captions)
 {
     constexpr int smallest = 8; // pixels
     QFont font = captions.first()->font();
-    // In pixels, as asked for and not as drawn: some systems round, so that a smaller step would never end.
+    // In pixels, as requested rather than as drawn: where a system rounds, a smaller step would never end.
     const int size = font.pixelSize() > 0 ? font.pixelSize() : QFontInfo(font).pixelSize();
     if (size <= smallest)
         return false;
@@ -81,7 +81,7 @@ void FitCaptions(const QWidget& window)
             const bool cut = std::any_of(captions.begin(), captions.end(), IsCut);
             shrunk |= cut && Shrink(captions);
         }
-        // What one caption gives up is room for those beside it.
+        // Room that one caption gives up goes to those beside it.
         QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     }
 }

@@ -105,10 +105,10 @@ void MainWindow::Init()
     extensions = AudioExtensions();
     resize(startSize);
     setAcceptDrops(true);
-    // People listen in the player of their choice, by a double-click. To show ours, drop this.
+    // A double-click plays a file in the user's own player. To show ours, remove this loop.
     for (QWidget* hidden : std::initializer_list<QWidget*>{ui->groupAudioPlayer, ui->buttonPlay, ui->buttonStop})
         hidden->hide();
-    // Six short tags are seen whole in any font.
+    // Six tags of one line each fit in any font.
     const int sixLines = static_cast<int>(allTags.size()) * ui->textInfo->fontMetrics().lineSpacing();
     ui->scrollInfo->setMinimumHeight(sixLines + 2 * ui->scrollInfo->frameWidth());
     ui->buttonAdd->setStyleSheet(QStringLiteral("Text-align:left; padding:7px 0px 9px 18px;"));
@@ -146,7 +146,7 @@ void MainWindow::CreatePopupMenus()
     listMenu->addAction(tr("Remove"), this, &MainWindow::OnRemoveFile);
 }
 
-/// What a mouse does by pointing. The menus' own shortcuts stand in the form.
+/// Binds keys to what a mouse does by pointing. The shortcuts of the menu bar are in the form.
 void MainWindow::BindKeys()
 {
     for (const QKeySequence& keys : {QKeySequence(Qt::Key_Menu), QKeySequence(QStringLiteral("Shift+F10"))})
@@ -159,12 +159,12 @@ void MainWindow::BindKeys()
 
     new QShortcut(Qt::Key_F10, this, [this] { ui->menuBar->setActiveAction(ui->menuFile->menuAction()); });
 
-    // Tags that do not fit into the panel are in reach of the Tab key, and then of the arrows.
+    // Where the tags do not fit, Tab reaches the panel, and the arrow keys scroll it.
     connect(ui->scrollInfo->verticalScrollBar(), &QScrollBar::rangeChanged, ui->scrollInfo,
             [this](int, int last) { ui->scrollInfo->setFocusPolicy(last > 0 ? Qt::TabFocus : Qt::NoFocus); });
 }
 
-/// Puts every setting into its default state; the file list, the current row and the title stay.
+/// Resets every setting to its default; the file list, the current row and the title stay.
 void MainWindow::ResetInterface()
 {
     settings = SRunSettings();
@@ -175,7 +175,7 @@ void MainWindow::ResetInterface()
     ClearPreviews();
 }
 
-/// Puts the settings into their widgets, which by itself has no effect.
+/// Shows the settings in their widgets, without the effects of a change by the user.
 void MainWindow::ShowSettings()
 {
     ui->comboOrganizeBy->setCurrentIndex(settings.organizeBy);
@@ -189,11 +189,11 @@ void MainWindow::ShowSettings()
     ui->editOutputFolder->setText(settings.outputFolder);
 }
 
-/// Shows the settings with the effects of the user's own changes.
+/// Shows the settings, with the effects that the same changes by the user would have.
 void MainWindow::RefreshInterface()
 {
     ShowSettings();
-    // The custom scheme is not asked for again.
+    // That slot would ask for the custom scheme.
     if (settings.renameIndex != customRenameIndex)
         on_comboRename_activated(settings.renameIndex);
     on_checkSkipOrganize_clicked(settings.skipOrganize);
@@ -202,7 +202,7 @@ void MainWindow::RefreshInterface()
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    event->ignore(); // also at a log-out: whether we end is decided there
+    event->ignore(); // at a log-out, too: the next line decides whether we exit
     on_actionExit_triggered();
 }
 
@@ -219,7 +219,7 @@ void MainWindow::on_actionExit_triggered()
     Quit();
 }
 
-/// Ends the program from any state: loops on this thread see the flag, the worker stops within a file.
+/// Ends the program from any state. Loops on this thread see the flag; the worker stops in mid-file.
 void MainWindow::Quit()
 {
     quitting = stopping = true;

@@ -18,8 +18,9 @@ class QMediaPlayer;
 class QMenu;
 class Ui_MainWindow;
 
-/// The one window: it owns the file list, the settings, the profile's state and the worker. Its implementation is
-/// split by subsystem into the files MainWindow*.cpp, in the order of the slots below.
+/// The one window: it owns the file list, the settings, the profile's state and the worker. Each group of slots below
+/// has a file of its own, MainWindow*.cpp. "Frame" is in MainWindow.cpp; MainWindowBusy.cpp has what is common to
+/// everything that takes long.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -99,7 +100,7 @@ private slots:
 
 private:
     /// What the window is doing. Only an idle one takes drops. While files are added and during a run, the menus and
-    /// the settings stay in use; while tags or rows change, the window takes no input, but it can be closed.
+    /// the settings stay in use; while tags or rows change, the window takes no input but Escape, and can be closed.
     enum class Activity { Idle, Adding, Changing, Running };
     class ActivityGuard;
 
@@ -165,8 +166,8 @@ private:
     bool loading = false; ///< a profile is being loaded: changes of settings do not count as the user's
     Activity activity = Activity::Idle;
     std::unique_ptr<ActivityGuard>
-        run;                        ///< from Start until the list is reloaded; after `ui`, which its end still needs
-    QPointer<QDialog> stopQuestion; ///< while it stands
-    bool stopping = false;          ///< the user wants the activity to end: every loop that pumps events does
-    bool quitting = false;          ///< the user wants to leave
+        run;                        ///< from Start until the list is reloaded; after `ui`, which its destructor uses
+    QPointer<QDialog> stopQuestion; ///< while it is open
+    bool stopping = false;          ///< the user wants the activity to end: every loop that pumps events then ends
+    bool quitting = false;          ///< the user wants to exit
 };

@@ -29,7 +29,7 @@ MainWindow::ActivityGuard::~ActivityGuard()
 void MainWindow::LookBusy(const QString& status)
 {
     ShowStatus(status); // first, so that a screen reader says it when the bar takes the focus
-    // A widget that is disabled passes the focus on: to a setting, which the next key would change unnoticed.
+    // A widget that is disabled passes the focus on, here to a setting that the next key would change unnoticed.
     ui->progressOrganize->setEnabled(true);
     ui->progressOrganize->setFocus();
     ui->buttonOrganize->setEnabled(false);
@@ -38,8 +38,8 @@ void MainWindow::LookBusy(const QString& status)
     ui->buttonRemove->setEnabled(false);
 }
 
-/// @p focused: what had the focus before the window was busy. It has it again, or the list, unless the user has given
-/// it to another widget meanwhile.
+/// @p focused is what had the focus before the window was busy. It, or else the list, gets the focus back, unless the
+/// user has moved it meanwhile.
 void MainWindow::LookIdle(QWidget* focused)
 {
     ui->buttonOrganize->setEnabled(true);
@@ -53,8 +53,8 @@ void MainWindow::LookIdle(QWidget* focused)
     ShowStatus(QString());
 }
 
-/// The status is the name of the progress bar, too: a screen reader says how that changes while the bar has the focus,
-/// but not what happens to a label.
+/// The status is also the accessible name of the progress bar: while the bar has the focus, a screen reader announces a
+/// change of its name, but never a change of a label.
 void MainWindow::ShowStatus(const QString& status)
 {
     ui->textProgress->setText(status);
@@ -62,18 +62,19 @@ void MainWindow::ShowStatus(const QString& status)
     ui->progressOrganize->setAccessibleName(status.isEmpty() ? tr("Progress") : status);
 }
 
-/// Another stage of an activity: its status, with the progress bar back at its start.
+/// Begins another stage of an activity: shows its status and sets the progress bar back to its start.
 void MainWindow::BeginStage(const QString& status)
 {
     ui->progressOrganize->setValue(0);
     ShowStatus(status);
 }
 
-/// Lets the window live for a turn in the middle of an activity. @return whether to go on: not once the user wants to
-/// stop it, or to leave.
+/// Processes pending events in the middle of an activity. @return whether to go on: false once the user wants to stop
+/// it, or to exit.
 bool MainWindow::Pump()
 {
-    // Input is not excluded here while tags change: it would only come later, and closing the window counts as input.
+    // Input is processed even while tags change: excluding it would only delay it, and closing the window counts as
+    // input.
     QCoreApplication::processEvents();
     return !stopping;
 }
@@ -83,7 +84,7 @@ void MainWindow::AskToStop()
 {
     if (stopping || stopQuestion)
         return;
-    QApplication::setOverrideCursor(Qt::ArrowCursor); // a change of tags has another one
+    QApplication::setOverrideCursor(Qt::ArrowCursor); // a batch edit shows the wait cursor
     const auto usualCursor = qScopeGuard([] { QApplication::restoreOverrideCursor(); });
     if (!AskYesNo(tr("Do you want to stop?"), &stopQuestion))
         return;
@@ -91,7 +92,7 @@ void MainWindow::AskToStop()
     worker.requestInterruption();
 }
 
-/// What the worker asks for must not happen inside the question whether to stop it.
+/// No dialog that the worker causes may open inside the question whether to stop it.
 void MainWindow::CallAgainOnceAnswered(void (MainWindow::*slot)())
 {
     connect(stopQuestion, &QObject::destroyed, this, slot, Qt::QueuedConnection);
@@ -99,12 +100,12 @@ void MainWindow::CallAgainOnceAnswered(void (MainWindow::*slot)())
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event)
 {
-    // On X11 a Return in the open list of a choice arrives there twice, the second time after the list has closed. That
-    // one would ask for the custom scheme again.
+    // On X11, the open list of a combo box receives Return twice, the second time after it has closed. That would ask
+    // for the custom scheme again.
     const bool isKey = event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress;
     if (isKey && watched == ui->comboRename->view() && !ui->comboRename->view()->isVisible())
         return true;
-    // A wheel that passes over a choice was meant for something else.
+    // Over a combo box without the focus, the wheel was meant for something else.
     if (event->type() == QEvent::Wheel && qobject_cast<QComboBox*>(watched) &&
         !static_cast<QWidget*>(watched)->hasFocus())
         return true;
@@ -117,12 +118,12 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event)
     if (activity != Activity::Changing)
         return false;
     if (ui->progressOrganize->isEnabled())
-        ui->progressOrganize->setFocus(); // a press has moved it already
+        ui->progressOrganize->setFocus(); // a mouse press has already moved it
     return true;
 }
 
-/// Escape, or what else cancels on this desktop, while there is something to stop. A menu bar that the user is in takes
-/// it for itself.
+/// Whether an event is Escape, or whatever else cancels on this desktop, while there is something to stop. A menu bar
+/// in use takes the key for itself.
 bool MainWindow::IsStopKey(const QObject& receiver, const QEvent& event) const
 {
     if (event.type() != QEvent::KeyPress || !ui->progressOrganize->isEnabled() || &receiver == ui->menuBar)
@@ -131,7 +132,8 @@ bool MainWindow::IsStopKey(const QObject& receiver, const QEvent& event) const
     return key.matches(QKeySequence::Cancel) && !key.isAutoRepeat();
 }
 
-/// Whether an event is input to this window itself, or a shortcut of it. Menus and questions are windows of their own.
+/// Whether an event is input to this window itself, or one of its shortcuts. Menus and questions are windows of their
+/// own.
 bool MainWindow::IsInput(const QObject& receiver, const QEvent& event) const
 {
     switch (event.type()) {

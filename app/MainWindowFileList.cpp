@@ -127,7 +127,7 @@ void MainWindow::AddFilesToList(const QStringList& files)
 void MainWindow::SynchronizeListAudioFiles(bool showProgress)
 {
     // All rows first, then one turn of the event loop for each: a list lays all its rows out again at the first turn
-    // after each insertion, so that turns in between make the whole quadratic.
+    // after an insertion, so turns in between would take quadratic time.
     const QIcon icon(QStringLiteral(":/res/ListIcon.png"));
     ui->listAudioFiles->clear();
     for (const SAudioFile& file : audioFiles.Records())
@@ -158,7 +158,7 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 
 void MainWindow::dropEvent(QDropEvent* event)
 {
-    // Whatever the other side proposes, it must not take its files for moved.
+    // Whatever the other program proposes, it must not think that its files were moved.
     event->setDropAction(Qt::CopyAction);
     event->accept();
     if (!AcceptsFiles())

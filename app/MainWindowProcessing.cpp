@@ -55,7 +55,7 @@ void MainWindow::StartProcessing()
     worker.settings = settings;
     worker.settings.outputFolder = WithoutTrailingSlashes(settings.outputFolder);
     worker.start(QThread::InheritPriority);
-    if (stopping) // while tags were erased: that run ends like any other that is stopped
+    if (stopping) // while tags were erased: such a run ends like any other that is stopped
         worker.requestInterruption();
 }
 
@@ -73,7 +73,7 @@ void MainWindow::ProcessThreadFinished()
         stopQuestion->reject();
         return;
     }
-    stopping = false; // the list is yet to be read
+    stopping = false; // the list still has to be reloaded
     ReportRun();
     ReloadList();
     run.reset();
@@ -85,7 +85,7 @@ void MainWindow::ProcessThreadFinished()
     dialog.exec();
 }
 
-/// Shows how the run went and appends it to the log. Without a log it says only that.
+/// Shows how the run went and appends that to the log. If the log cannot be written, it says only so.
 void MainWindow::ReportRun()
 {
     QDir().mkpath(FolderOf(RunLogPath()));
@@ -101,7 +101,7 @@ void MainWindow::ReportRun()
     AppendToFile(RunLogPath(), RunLogBlock(QDateTime::currentDateTime(), report.logged));
 }
 
-/// Lists the files that the run has left, with their tags as they are on disk now.
+/// Lists the files that the run has left over, with their tags as they are on disk now.
 void MainWindow::ReloadList()
 {
     BeginStage(tr("Updating audio file list..."));

@@ -12,7 +12,7 @@
 
 namespace
 {
-/// Where the profile dialogs start; made when it is missing.
+/// Where the profile dialogs start; created if missing.
 QString ProfileFolder()
 {
     const QString folder = DocumentsFolder() + QStringLiteral("/Orvanto/Profiles");
@@ -72,15 +72,15 @@ void MainWindow::on_actionLoad_Profile_triggered()
 {
     if (!MayOverwriteSettings())
         return;
-    // Whoever asks for a profile has given the present settings up. So only a successful load clears the flag: after a
-    // cancelled or failed one, changes of settings go unmarked until a profile is loaded.
+    // A user who asks for a profile has given up the present settings. So only a successful load clears the flag: after
+    // a cancelled or failed one, changed settings go unmarked until a profile is loaded.
     loading = true;
     const QString path = QFileDialog::getOpenFileName(this, tr("Load profile"), ProfileFolder(), ProfileFilter());
     if (!path.isEmpty())
         LoadProfile(path);
 }
 
-/// Whether the user, who is asked when there are unsaved changes, lets a profile replace the settings.
+/// Whether a profile may replace the settings. Asks the user if there are unsaved changes.
 bool MainWindow::MayOverwriteSettings()
 {
     return !unsavedChanges || AskYesNo(tr("Loading a profile will overwrite your current settings. Continue?"));

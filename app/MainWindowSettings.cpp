@@ -30,7 +30,7 @@ void MainWindow::on_comboRename_activated(int index)
         dialog.scheme = settings.customRenameScheme;
         if (dialog.exec() == QDialog::Accepted)
             settings.customRenameScheme = dialog.scheme;
-        // When cancelled, the choice is custom all the same, with the scheme as it was.
+        // After Cancel, the choice is Custom all the same, with the scheme as it was.
     }
     settings.renameIndex = index;
     UpdateOutputPreview();
@@ -47,8 +47,8 @@ void MainWindow::on_checkSkipOrganize_clicked(bool checked)
     SignalSettingsChanged();
 }
 
-/// A setting that is disabled hands the focus to @p neighbour. By itself it would slide on: to Start, or to a text that
-/// the next key would change.
+/// A setting that is disabled hands the focus to @p neighbour. Qt would pass it on to Start, or to a text that the next
+/// key would change.
 void MainWindow::EnableSetting(QWidget& setting, bool enabled, QWidget& neighbour)
 {
     if (!enabled && focusWidget() == &setting) // also just after a dialog, when no widget has it yet
@@ -93,7 +93,7 @@ void MainWindow::on_editOutputFolder_textEdited(const QString& text)
     SetOutputFolder(folder);
 }
 
-/// Takes over a folder that was typed or read from a profile, where a carriage return belongs to it.
+/// Sets an output folder that was typed or read from a profile, where a carriage return is part of it.
 void MainWindow::SetOutputFolder(const QString& folder)
 {
     settings.outputFolder = WithForwardSlashes(folder);
@@ -106,14 +106,14 @@ void MainWindow::SetOutputFolder(const QString& folder)
 void MainWindow::on_buttonBrowseOutFold_clicked()
 {
     const QString folder = AskForFolder(this, SettingsKey::outputFolder);
-    // Not SetOutputFolder(): a chosen folder keeps its backslashes, and is remembered also while a load is unfinished.
+    // Not SetOutputFolder(): a chosen folder keeps its backslashes, and is remembered even while `loading` is set.
     if (!folder.isEmpty()) {
         ui->editOutputFolder->setText(folder);
         settings.outputFolder = folder;
         UpdateOutputPreview();
         OpenSettings().setValue(SettingsKey::outputFolder, folder);
     }
-    SignalSettingsChanged(); // after Cancel, too: a mark too many loses nothing
+    SignalSettingsChanged(); // after Cancel, too: a needless mark loses nothing
 }
 
 /// The name of the selected file in the preview; empty when none is selected.

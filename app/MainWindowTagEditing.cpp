@@ -15,12 +15,12 @@ namespace
 const QString keptTag = QStringLiteral("[Original]");
 } // namespace
 
-/// Writes the tags of @p file into its file and puts it in the list. Failed writes are not reported. The window lives
-/// on meanwhile, so it has to be changing.
+/// Writes the tags of @p file to disk and updates its row. A failed write is not reported. Events are processed
+/// meanwhile, so the caller has to hold an ActivityGuard for Activity::Changing.
 void MainWindow::WriteRecord(int row, const SAudioFile& file)
 {
     tagManager.WriteFile(file);
-    audioFiles.Replace(row, stopping ? tagManager.ReadFile(file.Path) : file); // it may have been left as it was
+    audioFiles.Replace(row, stopping ? tagManager.ReadFile(file.Path) : file); // the stop may have left it as it was
 }
 
 void MainWindow::OnEditTags()
@@ -75,7 +75,7 @@ void MainWindow::ShowDialogEditTag()
         CallAgainOnceAnswered(&MainWindow::ShowDialogEditTag);
         return;
     }
-    if (stopping) // the worker has stopped waiting
+    if (stopping) // the worker no longer waits
         return;
     DialogEditTags dialog(this, worker.settings.AsksAboutEveryFile() ? DialogEditTags::RepairEvery
                                                                      : DialogEditTags::RepairIncomplete);

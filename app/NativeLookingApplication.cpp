@@ -16,11 +16,11 @@ NativeLookingApplication::NativeLookingApplication(int& argc, char** argv) : QAp
 void NativeLookingApplication::Prepare()
 {
     PrepareQt();
-    // Rounded, 150 % would fill the screen with twice the size, and 125 % would change nothing.
+    // Rounding would make 200 % of 150 %, and 100 % of 125 %.
     setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
-    // Wayland has no other way to a window's icon.
+    // Wayland finds a window's icon only by this name.
     setDesktopFileName(QStringLiteral(ORVANTO_APPLICATION_ID));
-    // Where the user limits the size of files, a write beyond that fails and is put back, like any other.
+    // Where the size of files is limited (ulimit -f), a write beyond that then fails like any other, and is undone.
     std::signal(SIGXFSZ, SIG_IGN);
 }
 
@@ -44,7 +44,7 @@ bool NativeLookingApplication::notify(QObject* receiver, QEvent* event)
     if (!receiver || !receiver->isWidgetType())
         return QApplication::notify(receiver, event);
     auto* const widget = static_cast<QWidget*>(receiver);
-    // Qt's own dialogs, whose classes are named with a Q, make room for their captions themselves.
+    // Qt's own dialogs, whose class names begin with a Q, make room for their captions themselves.
     if (event->type() == QEvent::Show && !event->spontaneous() && widget->isWindow() &&
         widget->metaObject()->className()[0] != 'Q')
         FitCaptions(*widget);

@@ -11,7 +11,7 @@ int main(int argc, char* argv[])
 
     QCommandLineParser commandLine;
     commandLine.setApplicationDescription(QStringLiteral("Sorts music files into folders by their tags."));
-    // Qt's own options, which are not known here, begin with one dash.
+    // Qt's own options, such as -platform, begin with one dash.
     commandLine.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     commandLine.addHelpOption();
     commandLine.addVersionOption();

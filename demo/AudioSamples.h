@@ -7,7 +7,7 @@
 #include <QString>
 #include <QStringList>
 
-/// Copies an audio file of tests/data to @p path, whose folders are made. @return @p path.
+/// Copies an audio file of tests/data to @p path and creates its folders. @return @p path.
 inline QString PutSample(const QString& sample, const QString& path)
 {
     QDir().mkpath(QFileInfo(path).path());

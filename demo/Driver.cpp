@@ -38,10 +38,10 @@ struct
     int line = __LINE__;
 } step;
 
-/// Whether a caption, where it is one, is not drawn whole.
+/// Whether a widget is a caption that is cut off.
 bool IsCut(const QWidget& caption)
 {
-    if (const auto* const button = qobject_cast<const QPushButton*>(&caption)) // whose size hint has a least width
+    if (const auto* const button = qobject_cast<const QPushButton*>(&caption)) // whose size hint has a minimum width
         return button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width() > button->width();
     const auto* const label = qobject_cast<const QLabel*>(&caption);
     if (label && label->wordWrap())
@@ -170,7 +170,7 @@ void Type(const QObject& parent, const char* lineEdit, const QString& text)
     auto* const edit = Child<QLineEdit>(parent, lineEdit);
     edit->selectAll();
     QTest::keyClick(edit, Qt::Key_Delete);
-    for (const QChar letter : text) // keyClicks() knows no others than those of ASCII
+    for (const QChar letter : text) // keyClicks() types ASCII only
         QTest::sendKeyEvent(QTest::Click, edit, Qt::Key_unknown, letter, {});
 }
 
@@ -224,7 +224,7 @@ void Act(QWidget& window, const QString& act, QList<Answer> answers)
     } else if (name == "press" || name == "row") {
         QCursor::setPos(list.viewport()->mapToGlobal(place(0)));
         QTest::mouseClick(list.viewport(), name == "row" ? Qt::RightButton : Qt::LeftButton, {}, place(0));
-        QContextMenuEvent wanted(QContextMenuEvent::Mouse, place(0), QCursor::pos()); // follows from the system
+        QContextMenuEvent wanted(QContextMenuEvent::Mouse, place(0), QCursor::pos()); // the system sends it next
         if (name == "row")
             QApplication::sendEvent(list.viewport(), &wanted);
     } else if (name == "double") {
@@ -250,7 +250,7 @@ Outside::Outside()
     for (const char* scheme : {"http", "file"})
         QDesktopServices::setUrlHandler(QString::fromLatin1(scheme), this, "Open");
 #ifdef Q_OS_MACOS
-    // There, "open -a APPLICATION PATH" hands a file over.
+    // On macOS, "open -a APPLICATION PATH" hands a file over.
     QFile open(programs.filePath("open"));
     if (!open.open(QIODevice::WriteOnly) || open.write("#!/bin/sh\necho \"$3\" >>\"$0.log\"\n") < 0 ||
         !open.setPermissions(QFile::ReadUser | QFile::ExeUser))
@@ -269,7 +269,7 @@ Outside::~Outside()
 QStringList Outside::Take()
 {
 #ifdef Q_OS_MACOS
-    QTest::qWait(200); // milliseconds; the program does not wait for the other one
+    QTest::qWait(200); // milliseconds; nothing waits for the other program
     QFile log(programs.filePath("open.log"));
     if (log.open(QIODevice::ReadOnly)) {
         for (const QByteArray& path : log.readAll().trimmed().split('\n'))

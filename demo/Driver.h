@@ -9,9 +9,10 @@
 #include <functional>
 
 /// Drives real windows from outside, by events. A failure begins with the act during which it was seen; its place is
-/// the step of the test that AtStep() named last. Only the first one of a test is told: the rest would follow from it.
+/// the step of the test that AtStep() named last. Only the first failure of a test is reported: the rest would follow
+/// from it.
 
-/// Names the step of a test that begins, and its place.
+/// Begins a step of a test: names it, and its place in the source.
 void AtStep(const QString& act, const char* file, int line);
 /// Fails the test unless @p ok. @return @p ok
 bool Demand(bool ok, const QString& otherwise);
@@ -26,7 +27,7 @@ bool DemandSame(const char* what, const Seen& seen, const Expected& expected)
     return Demand(seen == expected, words);
 }
 
-/// The child of @p parent with this object name; ends the program with a clear word when there is none.
+/// The child of @p parent with this object name; ends the program with a message when there is none.
 template <class Widget>
 Widget* Child(const QObject& parent, const char* name)
 {
@@ -49,7 +50,7 @@ void Click(const QObject& parent, const char* button);
 void Choose(const QObject& parent, const char* comboBox, int index);
 /// Replaces the text of a line edit by typing.
 void Type(const QObject& parent, const char* lineEdit, const QString& text);
-/// Drops files and folders on @p window, offered to be moved, as a file manager does.
+/// Drops files and folders on @p window, offering to move them, as a file manager does.
 void DropOn(QWidget& window, const QStringList& paths);
 
 /// "ring=" and the names, for a screen reader, of what the Tab key goes through in @p window.

@@ -11,8 +11,8 @@
 
 namespace
 {
-/// Takes a picture of a window, of a menu together with the window that it belongs to; prints in words what is to be
-/// seen, for whoever cannot see it.
+/// Takes a picture of a window, or of a menu together with its window. Prints in words what it shows, for whoever
+/// cannot see it.
 void Photograph(QWidget* shown, const QString& name)
 {
     QCoreApplication::processEvents();
@@ -45,7 +45,7 @@ const QList<SAudioFile> taggedFiles{
 };
 } // namespace
 
-/// Shows the main job by itself, then what else the documentation has pictures of: the program's real window, driven by
+/// Shows the main job, then whatever else the documentation has pictures of: the program's real window, driven by
 /// events through a library of all ten types of file, some of them with incomplete tags. Everything happens in the
 /// folder that is given on the command line.
 class SampleTour : public QObject

@@ -9,7 +9,7 @@ QtMessageHandler previousHandler = nullptr;
 
 void KeepWarning(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
-    // What the platform without a screen cannot do is no fault of the program, and hides what is.
+    // What the offscreen platform cannot do is no fault of the program.
     if (text.startsWith(QLatin1String("This plugin does not support")))
         return;
     // Tests make copies and saves fail; the log says why, and does no harm.

@@ -5,8 +5,8 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
-/// A home of its own for a test program, made before the application object exists: settings, music and documents of
-/// the user are out of reach. It also keeps what Qt warns of, so that tests can demand that it is nothing.
+/// A home of its own for a test program, created before the application object: the user's settings, music and
+/// documents are out of reach. It also collects Qt's warnings, so that tests can demand that there are none.
 class Sandbox
 {
 public:
@@ -15,7 +15,7 @@ public:
     static QString Home();
     /// Empties the home and the settings store.
     static void Reset();
-    /// What Qt has warned of since the last call.
+    /// Qt's warnings since the last call.
     static QStringList TakeWarnings();
 
 private:

@@ -20,7 +20,7 @@ namespace
 constexpr int wideButton = 130;  // pixels
 constexpr int batchHeight = 250; // pixels
 
-/// Where one tag is kept: in a record, in the dialog, in its form.
+/// Where one tag is kept: in a record, in the dialog, in the form.
 struct SField
 {
     TagField tag;
@@ -38,8 +38,7 @@ constexpr SField fields[] = {
 };
 static_assert(std::size(fields) == allTags.size());
 
-/// Which of `fields`, which have the order of the table of tags, the user is most likely asked for: the first without a
-/// tag, else the first of all.
+/// The index of the field to start in: the first without a tag, else 0. `fields` has the order of `allTags`.
 std::size_t FirstGap(const SAudioFile& file)
 {
     const auto gap = std::find_if(allTags.begin(), allTags.end(), [&file](const STag& tag) {

@@ -17,7 +17,7 @@ class DialogEditTags : public QDialog
     Q_OBJECT
 
 public:
-    /// Who is asking; any other number shows the form as RepairIncomplete.
+    /// What the editor is opened for; any other number shows the form as RepairIncomplete.
     enum Mode { RepairIncomplete = 0, RepairEvery = 1, EditOne = 2, EditAll = 3 };
 
     DialogEditTags(QWidget* parent, int mode);
@@ -58,7 +58,7 @@ private:
     QString GenerateSearchString() const;
 
     std::unique_ptr<Ui_DialogEditTags> ui;
-    std::unique_ptr<QMediaPlayer> player; ///< none in this version: files are played by another application
+    std::unique_ptr<QMediaPlayer> player; ///< always null: another application plays the files
     QMenu* menuOnlineSearch;
     QAction* actionDiscogs;
     QAction* actionAllmusic;

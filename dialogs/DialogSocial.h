@@ -6,8 +6,8 @@
 
 class Ui_DialogSocial;
 
-/// Invites the user to the maker's social pages after a run. Following either link is remembered, and whoever shows
-/// the dialog shows it no more; the dialog itself stays open until the user closes it.
+/// Invites the user to the maker's social pages after a run. Following either link is stored, and the main window then
+/// shows the dialog no more; the dialog itself stays open until the user closes it.
 class DialogSocial : public QDialog
 {
     Q_OBJECT

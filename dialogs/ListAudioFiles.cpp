@@ -18,7 +18,7 @@ ListAudioFiles::ListAudioFiles(QWidget* parent) : QListWidget(parent), watermark
 
 bool ListAudioFiles::event(QEvent* event)
 {
-    // Only some desktops send this for the Menu key, and then with no row: the window has shortcuts for that menu.
+    // Only some desktops send this for the Menu key, and without a row: the window has shortcuts for that menu.
     if (event->type() == QEvent::ContextMenu &&
         static_cast<QContextMenuEvent*>(event)->reason() == QContextMenuEvent::Keyboard)
         return true;
@@ -39,7 +39,7 @@ bool ListAudioFiles::viewportEvent(QEvent* event)
 QItemSelectionModel::SelectionFlags ListAudioFiles::selectionCommand(const QModelIndex& index,
                                                                      const QEvent* event) const
 {
-    // Ctrl would unselect a row whose file stays the current one of the window.
+    // Ctrl would deselect a row whose file stays the window's current one.
     const QItemSelectionModel::SelectionFlags command = QListWidget::selectionCommand(index, event);
     return command & QItemSelectionModel::Deselect ? QItemSelectionModel::NoUpdate : command;
 }
@@ -55,7 +55,7 @@ void ListAudioFiles::keyPressEvent(QKeyEvent* event)
         QListWidget::keyPressEvent(event);
     if ((isStep || isLeap) && selectedItems().isEmpty() && currentItem()) {
         currentItem()->setSelected(true);
-        // A screen reader has said this row when the list took the focus, and repeats it only if it comes back to it.
+        // A screen reader announced this row when the list took the focus, and repeats it only if the focus comes back.
         QAccessibleEvent list(this, QAccessible::Focus);
         QAccessible::updateAccessibility(&list);
         QAccessibleEvent row(this, QAccessible::Focus);
@@ -69,7 +69,7 @@ void ListAudioFiles::keyPressEvent(QKeyEvent* event)
 
 void ListAudioFiles::mouseMoveEvent(QMouseEvent* event)
 {
-    // Dragging over the rows would select another one than the row that was pressed.
+    // Dragging over the rows would select a row other than the one that was pressed.
     if (event->buttons() == Qt::NoButton)
         QListWidget::mouseMoveEvent(event);
 }
@@ -83,9 +83,9 @@ void ListAudioFiles::paintEvent(QPaintEvent* event)
         painter.drawPixmap((width() - size.width()) / 2, (height() - size.height()) / 2, watermark);
     }
     QListWidget::paintEvent(event);
-    // Without a row that could show the focus, the list itself does.
+    // Where no row can show the focus, the list itself does.
     if (hasFocus() && !currentItem()) {
-        // As lines they would be cut by half at the right and the bottom where the screen is scaled by a fraction.
+        // With fractional scaling, a frame of lines would lose half its width at the right and the bottom.
         const QRect room = viewport()->rect();
         QPainter painter(viewport());
         painter.setClipRegion(QRegion(room) - room.adjusted(1, 1, -1, -1));

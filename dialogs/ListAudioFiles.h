@@ -3,8 +3,8 @@
 #include <QListWidget>
 #include <QPixmap>
 
-/// The file list with the program's mark faintly in its middle, behind the rows. Selecting a row by key counts as a
-/// press on it: itemPressed() reports both. A row stays selected until another is.
+/// The file list, with the program's logo faintly behind its rows. Selecting a row by key counts as a press on it:
+/// itemPressed() reports both. A row stays selected until another is.
 class ListAudioFiles : public QListWidget
 {
     Q_OBJECT

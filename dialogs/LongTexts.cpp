@@ -9,7 +9,7 @@
 void ShowPlainToolTip(const QHelpEvent& event, const QString& text, QWidget* widget)
 {
     constexpr int longestLine = 100; // characters
-    // As rich text it wraps, and markup in it can be made plain.
+    // Only rich text wraps, and markup in a path has to be escaped.
     const bool isRich = text.size() > longestLine || Qt::mightBeRichText(text);
     QToolTip::showText(event.globalPos(), isRich ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text, widget);
 }
@@ -18,7 +18,7 @@ bool PathLabel::event(QEvent* event)
 {
     if (event->type() != QEvent::ToolTip)
         return QLabel::event(event);
-    // A property would be what a screen reader describes the label by, with the markup of the tool tip.
+    // Not the toolTip property: a screen reader would describe the label by it, markup included.
     ShowPlainToolTip(*static_cast<QHelpEvent*>(event), text(), this);
     return true;
 }

@@ -29,7 +29,7 @@ const QWidget* MainWindowOnScreen()
     return main == windows.end() ? nullptr : *main;
 }
 
-/// Puts @p dialog in the middle of the main window, or as near as it is whole on the screen.
+/// Moves @p dialog to the middle of the main window, or as near to it as leaves the dialog whole on the screen.
 void MoveToMiddle(QDialog& dialog)
 {
     const QWidget* const main = MainWindowOnScreen();
@@ -61,7 +61,7 @@ bool IsLong(const QString& text)
 {
     if (text.size() > longestText || text.count(QLatin1Char('\n')) > mostLines)
         return true;
-    // No more narrow than its longest word, such as a file name.
+    // A label is at least as wide as its longest word, such as a file name.
     QLabel label(text);
     label.setTextFormat(Qt::PlainText);
     label.setWordWrap(true);
@@ -85,7 +85,7 @@ void MakeScrollable(QMessageBox& box)
                                        "QPlainTextEdit:focus { border-color: palette(highlight); }"));
     text->setLineWrapMode(QPlainTextEdit::NoWrap);
     text->setMinimumSize(scrolledText);
-    text->setTabChangesFocus(true); // it takes no text, and the buttons are what comes next
+    text->setTabChangesFocus(true); // it takes no text: Tab goes on to the buttons
     text->setAccessibleName(QCoreApplication::translate("Prompts", "Report"));
     delete box.layout()->replaceWidget(*shown, text);
     (*shown)->hide();
@@ -107,7 +107,7 @@ void NameIcon(const QMessageBox& box)
 void PutAboveMainWindow(QDialog& dialog)
 {
     dialog.setWindowIcon(QIcon(QStringLiteral(":/res/Logo-transparent.png")));
-    dialog.winId(); // makes the window that the desktop knows
+    dialog.winId(); // creates the native window
     QWindow* const window = dialog.windowHandle();
     if (dialog.windowTitle().isEmpty()) {
         window->setTitle(QStringLiteral("Orvanto"));

@@ -47,7 +47,7 @@ CopyGroup::CopyGroup(std::function<bool()> goOnWhile, Report reportTo)
 
 CopyGroup::~CopyGroup() = default;
 
-/// @p destination in the one spelling of all that may be taken for it.
+/// @p destination in one spelling for all the paths that a file system may take for it.
 QString CopyGroup::PlaceOf(const QString& destination)
 {
     const QString folder = FolderOf(destination);
@@ -108,7 +108,7 @@ void CopyGroup::Finish()
     const auto group = std::exchange(waiting, {});
     waitingBytes = 0;
     folders.clear();
-    // The first flush has the disk write down what the others are to wait for.
+    // The first flush makes the disk write most of what the others would wait for.
     for (const auto& each : group) {
         each->isFlushed = goOn() && each->copy->Finish();
         if (!each->isFlushed)

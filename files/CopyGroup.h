@@ -23,20 +23,21 @@ struct SCopy
 /// copied.
 ///
 /// Copies wait under their hidden names until a few of them are flushed together, which takes a disk hardly longer
-/// than one: at most 32 copies and 64 MB, for a second at most. A larger file waits for no other.
+/// than to flush one: at most 32 copies and 64 MB, for a second at most. A larger file waits for no other.
 class CopyGroup
 {
 public:
     using Report = std::function<void(int row, const SCopy& copy)>;
 
-    /// Asks @p goOnWhile before each step; on a no it gives up all copies that have not appeared. It says once for each
-    /// row what became of its copy, but nothing of those that still wait when it is destroyed, and is given up.
+    /// Asks @p goOnWhile before each step; once it returns false, all copies that have not appeared are given up.
+    /// @p reportTo hears once for each row what became of its copy. Copies that still wait when the group is destroyed
+    /// are given up without a report.
     CopyGroup(std::function<bool()> goOnWhile, Report reportTo);
     ~CopyGroup();
     Q_DISABLE_COPY(CopyGroup)
 
-    /// Finishes the group when one of its copies waits for @p destination, or for a path that a file system may take
-    /// for the same, or when the first has waited long enough.
+    /// Finishes the group when one of its copies is to become @p destination, or a path that a file system may take for
+    /// the same, or when the group is full or its first copy has waited long enough.
     void FinishBefore(const QString& destination);
     /// Copies a file to a destination for which none is waiting.
     void Add(int row, const QString& source, const QString& destination);
@@ -53,5 +54,5 @@ private:
     std::vector<std::unique_ptr<SWaiting>> waiting;
     qint64 waitingBytes = 0;
     QElapsedTimer sinceFirst;
-    QHash<QString, QString> folders; ///< their comparable paths
+    QHash<QString, QString> folders; ///< of destinations, with their comparable paths
 };

@@ -22,7 +22,7 @@ EditedFile::EditedFile(const QString& filePath) : path(filePath), original(path,
     }
 }
 
-/// Reads from the file on disk, small pieces by way of a window: a parser asks for a few bytes at a time.
+/// Reads from the file on disk, small pieces through the window: a parser asks for a few bytes at a time.
 bool EditedFile::ReadOriginal(qint64 position, char* bytes, qint64 count)
 {
     constexpr int windowSize = 1 << 14; // bytes
@@ -55,7 +55,7 @@ QByteArray EditedFile::Read(qint64 position, qint64 count)
         return {};
     count = std::min(count, size - position);
     if (count > longestBlock) {
-        valid = false; // only a damaged file makes a parser ask for so many, and it goes by what it gets
+        valid = false; // only a damaged file makes a parser ask for so much; it makes do with less
         count = longestBlock;
     }
     QByteArray bytes(static_cast<int>(count), Qt::Uninitialized);
@@ -160,7 +160,7 @@ EditedFile::Saved EditedFile::Save(const std::function<bool()>& goOn)
     return Rewrite(goOn);
 }
 
-/// Whether every range of the file on disk stands where it stood, and no more is cut off than can be put back.
+/// Whether every kept range stays where it is on disk, and no more is cut off than can be put back.
 bool EditedFile::KeepsPlaces() const
 {
     constexpr qint64 longestTail = 1 << 23; // bytes, which have to be kept in memory
@@ -175,8 +175,8 @@ bool EditedFile::KeepsPlaces() const
     return true;
 }
 
-/// What has to be written into the file on disk: of each piece of new bytes, what is between its first difference and
-/// its last. What is cut off its end counts as replaced by nothing.
+/// What has to be written into the file on disk: of each piece of new bytes, the part from its first difference to its
+/// last. What is cut off at the end counts as replaced by nothing.
 std::vector<EditedFile::SPatch> EditedFile::Patches()
 {
     std::vector<SPatch> patches;
@@ -215,7 +215,7 @@ EditedFile::Saved EditedFile::Patch(FileHandle& target, const std::function<bool
         LogFailure(notSaved, path, unreadable);
         return Saved::NotAtAll;
     }
-    // From the end: where there is no room for more, nothing has been touched yet.
+    // From the end: if there is no room for the file to grow, nothing has been touched yet.
     const bool written = std::all_of(patches.rbegin(), patches.rend(),
                                      [&](const SPatch& patch) { return target.Write(patch.position, patch.after); });
     if (written && (size >= facts->size || target.Resize(size)) && target.Flush())
@@ -255,7 +255,7 @@ EditedFile::Saved EditedFile::Rewrite(const std::function<bool()>& goOn)
     QString reason = valid ? SystemReason() : unreadable;
     // Some servers refuse to give a new file the name of one that is open.
     original.Close();
-    // As late as can be: what somebody else writes while we do comes first.
+    // As late as possible: what somebody else wrote meanwhile is kept.
     if (!IsUntouched())
         return Saved::Overtaken;
     if (written) {

@@ -28,8 +28,8 @@ public:
     qint64 Size() const { return size; }
     /// At most @p count bytes from @p position on, fewer at the end.
     QByteArray Read(qint64 position, qint64 count);
-    /// Puts @p bytes in the place of @p count bytes from @p position on. An edit of more than there is can only be a
-    /// mistake, as a damaged file makes parsers do: nothing will be saved.
+    /// Puts @p bytes in the place of @p count bytes from @p position on. Only a damaged file makes a parser edit more
+    /// than there is: after that, Save() writes nothing.
     void Replace(qint64 position, qint64 count, const QByteArray& bytes);
     /// Cuts the file off.
     void Truncate(qint64 newSize) { Replace(newSize, size - newSize, {}); }
@@ -82,7 +82,7 @@ private:
     Pieces::iterator found = pieces.end(); ///< the piece that was asked for last: the next one is near
     qint64 foundStart = 0;                 ///< its position
     qint64 size = 0;
-    bool valid = true; ///< every read succeeded and every edit was one of what is there
+    bool valid = true; ///< every read succeeded, and every edit was within the file
     QByteArray window; ///< a part of the file on disk that was read last
     qint64 windowStart = 0;
 };

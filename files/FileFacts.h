@@ -8,8 +8,8 @@
 #include <optional>
 #include <utility>
 
-/// What the file system says of a file at one moment, links followed. Systems name these fields differently; nothing
-/// else in the program asks them.
+/// What the file system says of a file at one moment, links followed. It hides that systems name the fields of `stat`
+/// differently.
 struct SFileFacts
 {
     explicit SFileFacts(const struct stat& status);
@@ -17,11 +17,11 @@ struct SFileFacts
     quint64 device;
     quint64 inode;
     qint64 size;   ///< bytes
-    quint64 names; ///< that it has: one more for each hard link
+    quint64 names; ///< how many it has: one more for each hard link
     mode_t mode;
     uid_t owner;
     gid_t group;
-    timespec accessed; ///< the last reading, as far as the system notes it
+    timespec accessed; ///< the last reading, as far as the system records it
     timespec modified; ///< the last change of its content
     timespec changed;  ///< the last change of any kind; no program sets it back
 
@@ -38,13 +38,13 @@ std::optional<SFileFacts> FactsOf(const QString& path);
 /// them.
 bool IsUnchanged(const SFileFacts& before, const SFileFacts& now);
 
-/// @p path with links resolved, in the one letter case and Unicode normal form in which a file system that ignores
-/// these may take paths for the same.
+/// @p path with links resolved, in one letter case and Unicode normal form: the same text for any two paths that a file
+/// system which ignores these takes for one.
 QString ComparablePath(const QString& path);
 
 /// Any text in that letter case and normal form.
 QString Comparable(const QString& text);
 
 /// Whether two paths lead to one file: the file system says so, or they are comparable. Some file systems ignore letter
-/// case and make up inode numbers for each path. So two files may be taken for one: ask where that does no harm.
+/// case and make up inode numbers for each path. So two files may be taken for one: call it where that does no harm.
 bool IsSameFile(const QString& one, const QString& other);

@@ -47,7 +47,7 @@ FileHandle::FileHandle(const QString& path, int flags, mode_t mode)
     descriptor = opened(O_NONBLOCK);
     if (descriptor >= 0 || errno != EWOULDBLOCK)
         return;
-    // Another program, like a file server, holds a lease on it, which it gives up for those who wait.
+    // Another program, such as a file server, holds a lease on it, which it gives up for those who wait.
     const auto facts = FactsOf(path);
     if (facts && facts->IsRegular())
         descriptor = opened(0);
@@ -103,7 +103,7 @@ bool FileHandle::Flush([[maybe_unused]] Depth depth)
 #ifdef Q_OS_MACOS
     const int command = depth == Depth::Drive ? F_FULLFSYNC : F_BARRIERFSYNC;
     const bool flushed = Retried([&] { return fcntl(descriptor, command); }) == 0;
-    if (flushed || !IsUnsupported()) // an error is reported once, so that fsync() could succeed after it
+    if (flushed || !IsUnsupported()) // an error is reported only once: fsync() could succeed after it
         return flushed;
 #endif
     return Retried([&] { return fsync(descriptor); }) == 0 || IsUnsupported();

@@ -14,7 +14,8 @@ class FileHandle
 public:
     FileHandle() = default;
     /// Opens the file at @p path, following links, with flags of open(2). It never waits for the other end of a pipe,
-    /// but for a lease on a regular file. A file that it creates gets the permissions @p mode, subject to the umask.
+    /// but it does wait until another program gives up its lease on a regular file. A file that it creates gets the
+    /// permissions @p mode, subject to the umask.
     FileHandle(const QString& path, int flags, mode_t mode = 0666);
     Q_DISABLE_COPY(FileHandle)
     FileHandle& operator=(FileHandle&& other) noexcept;

@@ -62,7 +62,8 @@ bool RemoveFile(const QString& path, const QString& other)
     } while (!renamed && errno == EEXIST);
     if (!renamed)
         return false;
-    // It is opened, for what the system remembers of it may be old. Some servers open a renamed file all the same.
+    // It is opened because the system's memory of it may be stale. Some servers open a renamed file all the same, so
+    // the two are compared, too.
     const auto there = FileHandle(other, O_RDONLY).Facts(), own = FactsOf(aside);
     const bool isOther =
         there && own && there->IsRegular() && !(there->inode == own->inode && IsUnchanged(*there, *own));

@@ -13,7 +13,7 @@
 namespace
 {
 /// The paths of the entries of @p folder, which ends in "/", in the order of QDir::Size | QDir::Reversed: the smallest
-/// first, of equal ones the last name. QDir itself would not let go while it reads. Nothing after a no.
+/// first, of equal ones the last name. QDir itself would block while it reads. Nothing once @p goOn returns false.
 QStringList EntriesBySize(const QString& folder, QDir::Filters filters, const std::function<bool()>& goOn)
 {
     constexpr std::size_t entriesPerTurn = 1000;

@@ -24,12 +24,12 @@
 
 namespace
 {
-constexpr qint64 step = 1 << 20; // bytes; a slow stick takes a tenth of a second for them
+constexpr qint64 step = 1 << 20; // bytes; a slow USB stick takes a tenth of a second for them
 
 #ifdef Q_OS_MACOS
 qint64 CopyInKernel(int, qint64, int, qint64, qint64)
 {
-    return -1; // its fcopyfile() reads and writes, too, and takes no range
+    return -1; // fcopyfile() only reads and writes itself, and takes no range
 }
 #else
 /// Copies at most @p size bytes within the kernel. @return how many; 0 or -1 when another way has to be tried.
@@ -48,7 +48,7 @@ void CopyExtendedAttributes(int from, int to)
 #ifdef Q_OS_MACOS
     fcopyfile(from, to, nullptr, COPYFILE_ACL | COPYFILE_XATTR);
 #else
-    // The folder may have given it a list by itself.
+    // The new file may have inherited a list from its folder.
     fremovexattr(to, "system.posix_acl_access");
     std::vector<char> names(static_cast<std::size_t>(qMax<ssize_t>(flistxattr(from, nullptr, 0), 0)));
     const ssize_t length = flistxattr(from, names.data(), names.size());
@@ -81,13 +81,13 @@ NewFile::~NewFile()
 bool NewFile::Clone(const FileHandle& source)
 {
 #ifdef Q_OS_MACOS
-    // Of a locked file, a clone is locked, too: it could neither be renamed nor removed.
+    // A clone of a locked file is locked, too: it could neither be renamed nor removed.
     constexpr unsigned int locks = UF_IMMUTABLE | UF_APPEND | SF_IMMUTABLE | SF_APPEND;
     struct stat from, to;
     if (fstat(source.Descriptor(), &from) != 0 || fstat(handle.Descriptor(), &to) != 0 || from.st_dev != to.st_dev ||
         (from.st_flags & locks) != 0)
         return false;
-    // A clone takes a name that nobody has, and its source's permissions.
+    // A clone needs a name that is free, and gets its source's permissions.
     const QString name = HiddenName(destination);
     if (fclonefileat(source.Descriptor(), AT_FDCWD, QFile::encodeName(name).constData(), 0) != 0)
         return false;
@@ -123,7 +123,7 @@ NewFile::Transfer NewFile::CopyRange(const FileHandle& source, qint64 from, qint
                 return Transfer::Failed;
             continue;
         }
-        // Some file systems lack these calls, some end a file early in them. Here an end that comes early is final.
+        // Some file systems lack these calls, and on some they end a file early. Here, an early end is final.
         QByteArray bytes(static_cast<int>(wanted), Qt::Uninitialized);
         if (source.Read(from, bytes.data(), wanted) != wanted || !Append(bytes))
             return Transfer::Failed;
@@ -176,8 +176,8 @@ bool NewFile::CopyOwner(const SFileFacts& facts)
     if (own && own->owner == facts.owner && own->group == facts.group)
         return true;
     const auto nobody = static_cast<uid_t>(-1);
-    // On some systems a new file has its folder's group. Without the old one, nobody in that may do more than
-    // everybody.
+    // On some systems a new file gets its folder's group. Unless the old group can be set, that one must not be allowed
+    // more than everybody is.
     const mode_t forGroup = facts.mode >> 3 & 07, forOthers = facts.mode & 07;
     return fchown(handle.Descriptor(), facts.owner, facts.group) == 0 ||
            fchown(handle.Descriptor(), nobody, facts.group) == 0 || (forGroup & ~forOthers) == 0;

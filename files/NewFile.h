@@ -41,7 +41,7 @@ public:
     /// Gives it the access and modification times of a file; a refusal by the file system is no failure.
     void CopyTimes(const SFileFacts& facts);
 
-    /// Has the disk begin to write what it has not, without waiting: a flush finds less to do.
+    /// Makes the disk begin to write what it has not, without waiting, so that a flush finds less to do.
     void StartFlush();
     /// Flushes and closes it. @return false when some of the content may be missing; then it must not appear.
     bool Finish();

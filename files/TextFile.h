@@ -8,5 +8,5 @@
 /// @return false when the file at @p path cannot be opened for writing. Whether all of it was written is not reported.
 bool WriteWholeFile(const QString& path, const QByteArray& content);
 
-/// Appends to a file, which is made when it is missing. @return false when it cannot be opened for writing.
+/// Appends to a file, which is created if missing. @return false when it cannot be opened for writing.
 bool AppendToFile(const QString& path, const QByteArray& bytes);

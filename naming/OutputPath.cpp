@@ -24,7 +24,7 @@ QString GenerateFileNameFromRenameScheme(const QString& scheme, const QString& a
                                          const QString& album, const QString& year, const QString& genre,
                                          const QString& track)
 {
-    const QString* const values[] = {&artist, &title, &album, &year, &genre, &track}; // in the order of the table
+    const QString* const values[] = {&artist, &title, &album, &year, &genre, &track}; // in the order of allTags
     static_assert(std::size(values) == allTags.size());
 
     QString result;
@@ -110,7 +110,7 @@ QString BuildPreviewPath(const SAudioFile& file, const SRunSettings& settings, c
         if (const SOrganizeChoice* const choice = OrganizeChoiceAt(settings.organizeBy))
             folders = QLatin1String(choice->label);
         for (const STag& tag : allTags) {
-            // A value that contains the caption of a later tag is replaced again, which a preview may.
+            // A value that contains the caption of a later tag is replaced again, which does no harm in a preview.
             const QString& text = file.*tag.field;
             if (tag.index != Tag::Track && text != QLatin1String(tag.absent))
                 folders.replace(QLatin1String(tag.name), StrippedOfReservedChars(text));

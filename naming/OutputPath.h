@@ -78,7 +78,7 @@ QString WithoutTrailingSlashes(QString folder);
 /// for each level. Since "/" and "." are reserved, no tag can lead out of @p outputFolder.
 QString BuildFolderPath(const QString& outputFolder, const QStringList& folderTags);
 
-/// Where a run with these settings puts @p file.
+/// Where a run puts @p file, once its tags are fixed and stand-ins are put. settings.outputFolder has no trailing "/".
 QString BuildOutputPath(const SAudioFile& file, const SRunSettings& settings);
 
 /// The name without extension that the preview shows for @p file: like the real one, but with the captions of missing

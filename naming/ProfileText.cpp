@@ -13,7 +13,7 @@ struct SLine
     std::variant<int SRunSettings::*, bool SRunSettings::*, QString SRunSettings::*> setting;
 };
 
-/// The lines in their order; both writing and reading follow it.
+/// The lines in their order; both writing and reading follow it. Append only: older profiles are read by position, too.
 constexpr SLine lines[] = {
     {"organizeBy", &SRunSettings::organizeBy},
     {"rename", &SRunSettings::renameIndex},
@@ -25,7 +25,7 @@ constexpr SLine lines[] = {
     {"deleteOriginal", &SRunSettings::deleteOriginal},
 };
 
-// How each kind of setting is written, and read into its place. A kind in the table that lacks either does not compile.
+// How each type of setting is written, and read into its place. A type in the table that lacks either does not compile.
 QString Written(int value)
 {
     return QString::number(value);

@@ -5,14 +5,14 @@
 
 /// What differs between Qt 5 and Qt 6. Nothing else asks for the version.
 
-/// Says what only one of them has to be told before the application object exists: to scale, to draw sharp pictures,
-/// and that file names are UTF-8.
+/// Tells Qt 5 what Qt 6 does by itself, before the application object exists: to scale, to draw sharp pictures, and
+/// that file names are UTF-8.
 void PrepareQt();
 
 /// Has the settings written as UTF-8 where they are a text file, so that each of the two reads what the other wrote.
 void WriteInUtf8(QSettings& settings);
 
-/// The sizes that macOS draws controls in: the attributes that ask for one of them.
+/// The attributes that ask for one of the sizes in which macOS draws controls.
 inline constexpr Qt::WidgetAttribute controlSizes[] = {
     Qt::WA_MacMiniSize,
     Qt::WA_MacSmallSize,
@@ -22,7 +22,8 @@ inline constexpr Qt::WidgetAttribute controlSizes[] = {
 #endif
 };
 
-/// Opens a file in a media player, at a volume in percent. Qt Multimedia comes from the caller, who alone may use it.
+/// Opens a file in a media player, at a volume in percent. The caller brings Qt Multimedia's types: this folder may not
+/// include them.
 template <class AudioOutput, class MediaPlayer>
 void OpenMedia(MediaPlayer& player, const QUrl& file, int volume)
 {

@@ -25,13 +25,13 @@ public:
 /// Opens the settings store. Each handler opens its own; nothing caches it.
 SettingsStore OpenSettings();
 
-/// The folder stored under @p key; when there is none or something else, the first of the desktop's music locations.
+/// The folder stored under @p key; where there is none, or no text, the first of the desktop's music locations.
 QString StoredFolder(const QString& key);
 
 /// The flag stored under @p key, by default false.
 bool StoredFlag(const QString& key);
 
-/// The first of the desktop's documents locations; maybe not there yet.
+/// The first of the desktop's documents locations. The folder may not exist yet.
 QString DocumentsFolder();
 
 /// Where every run is logged. The file may not exist yet.

@@ -26,7 +26,7 @@ bool OriginalsDeletion::IsKept(const QString& path, const SFileFacts& facts, Out
         return true;
     if (outcome != Outcome::WasThere)
         return false;
-    // It was not copied, and may be the very file that another source goes for.
+    // It was not copied, and may itself be the file that was found at another source's destination.
     if (keptSpellings.isEmpty()) {
         for (const QString& kept : paths)
             keptSpellings.insert(ComparablePath(kept));

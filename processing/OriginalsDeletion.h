@@ -17,13 +17,13 @@
 struct SRowResult
 {
     enum class Outcome {
-        Kept,     ///< nothing stands for its source
+        Kept,     ///< it is its own destination, or the run ended before it
         WasThere, ///< there was another file at its destination
         Copied,
         Failed, ///< it was not copied, which the report says
     };
     Outcome outcome = Outcome::Kept;
-    std::optional<SFileFacts> source = std::nullopt; ///< when it was copied, or the other file found
+    std::optional<SFileFacts> source = std::nullopt; ///< its facts when it was copied, or when the other file was found
 };
 
 /// Deletes the originals of one run, each by what became of its row. A source that is its own destination stays,
@@ -48,10 +48,10 @@ private:
     };
 
     const SRunSettings settings;
-    const QList<QString> paths; ///< none of them goes
+    const QList<QString> paths; ///< none of them is deleted
     const QSet<QString> keptPaths;
     QSet<QString> keptSpellings;
     QSet<Identity> keptFiles;
-    std::map<Identity, SUnlinked> unlinked; ///< files that have lost a name here, which changes the facts of the others
+    std::map<Identity, SUnlinked> unlinked; ///< files that have lost a name here, which changes their facts
     QHash<QString, bool> flushedFolders;    ///< whether their names are on the disk
 };

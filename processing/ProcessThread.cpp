@@ -92,7 +92,7 @@ RunEnd ProcessThread::Process()
     return copying == RunEnd::Complete && settings.deleteOriginal ? DeleteOriginals() : copying;
 }
 
-/// What has just been done may have been given up, so the last file is not enough.
+/// For the end of a stage: a stop may have cut short the very last file.
 RunEnd ProcessThread::EndSoFar() const
 {
     return isInterruptionRequested() ? RunEnd::Interrupted : RunEnd::Complete;
@@ -190,7 +190,7 @@ void ProcessThread::CreateFolders()
             continue;
         const QString folder = BuildFolderPath(settings.outputFolder, tags);
         if (tags.size() == 1)
-            workingFolder.mkdir(folder); // a missing output folder of several levels is not made up for here
+            workingFolder.mkdir(folder); // which creates no missing levels of the output folder
         else
             workingFolder.mkpath(folder);
     }

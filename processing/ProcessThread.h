@@ -19,7 +19,7 @@ class CopyGroup;
 /// The worker: one run over its own copy of the file list. It repairs and writes tags, copies every file into the
 /// output tree and may delete the originals. Fill `files` and `settings`, start it, and read the results once it has
 /// finished; while it runs, nothing but the hand-off below may be written, and only `settings` read.
-/// requestInterruption() stops it before the next file, and within one that it copies; then it deletes nothing more.
+/// requestInterruption() stops it before the next file, or within one that it copies or saves; it then deletes no more.
 class ProcessThread : public QThread
 {
     Q_OBJECT
@@ -29,7 +29,7 @@ public:
     /// Stops the run and blocks until it has ended.
     ~ProcessThread() override;
 
-    /// Forgets the results of an earlier run. Every run starts with it by itself.
+    /// Forgets the results of an earlier run. Every run begins by calling it.
     void Init();
 
     /// The new name, without extension, of `files[index]`.
@@ -51,7 +51,7 @@ public:
     std::atomic<bool> waitingForDialog{false};
     int dialogResult = -1; ///< 1 accepted, -1 not asked yet, anything else aborts the run
 
-    QList<QString> outputPaths; ///< every destination that was decided on, in order
+    QList<QString> outputPaths; ///< every destination decided on, in order, whether or not a copy was made there
     QList<QString> failedPaths; ///< sources that were not copied, or had changed when they were to be deleted, in order
 
 signals:
@@ -77,5 +77,5 @@ private:
     SRowResult& RowAt(int index);
 
     std::vector<SRowResult> rows;
-    QSet<QStringList> foldersLeadingOut; ///< tags whose folder is not ours to write into
+    QSet<QStringList> foldersLeadingOut; ///< FolderTags() of folders behind a link out of the output folder
 };

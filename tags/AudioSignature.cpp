@@ -54,7 +54,7 @@ const SAudioSignature signatures[] = {
     {QLatin1String("fLaC"), Open<TagLib::FLAC::File>, FlacLayout},
     {QLatin1String("OggS"), OpenOgg, OggLayout},
     {QLatin1String("????ftyp"), Open<TagLib::MP4::File>, Mp4Layout, true},
-    // QuickTime did without it.
+    // Old QuickTime files have no ftyp.
     {QLatin1String("????moov"), Open<TagLib::MP4::File>, Mp4Layout, true},
     {QLatin1String("????mdat"), Open<TagLib::MP4::File>, Mp4Layout, true},
     {QLatin1String("????wide"), Open<TagLib::MP4::File>, Mp4Layout, true},

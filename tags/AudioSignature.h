@@ -8,13 +8,13 @@ namespace TagLib
 class File;
 }
 
-/// A type of audio file that says what it is: the bytes that it begins with are final, whatever its name says.
+/// A type of audio file that its first bytes identify, whatever its name says.
 struct SAudioSignature
 {
     QLatin1String bytes; ///< "?" stands for any byte
     TagLib::File* (*open)(PieceStream& stream, bool readAudioProperties);
     std::optional<SSoundLayout> (*layout)(EditedFile& file, qint64 start);
-    bool isBelieved = false; ///< TagLib hangs, or worse, on files of this type that have no layout
+    bool isBelieved = false; ///< by TagLib, which hangs, or worse, on files of this type that have no layout
 };
 
 /// What a file is by its own bytes.
@@ -23,7 +23,7 @@ struct SFoundSignature
     const SAudioSignature* signature; ///< null when it has none
     qint64 start;                     ///< behind leading ID3v2 tags
 
-    /// The layout by this signature; of a file without one, as for MPEG, which has none.
+    /// The layout by this signature; without one, that of MPEG sound, which has none.
     std::optional<SSoundLayout> Layout(EditedFile& file) const;
 };
 

@@ -52,7 +52,7 @@ void PieceStream::Replace(qint64 start, qint64 count, const TagLib::ByteVector& 
 void PieceStream::seek(Offset offset, Position from)
 {
     const qint64 base = from == Beginning ? 0 : from == Current ? position : file.Size();
-    // A file would not go before its beginning either.
+    // Like a real file, it never goes before its beginning.
     if (offset >= -base && offset <= std::numeric_limits<qint64>::max() - base)
         position = base + offset;
 }

@@ -25,7 +25,7 @@ using Offset = long;
 } // namespace StreamNumbers
 
 /// What TagLib reads an audio file through and edits it in: every edit stays in memory until File() is saved. An edit
-/// throws when it is told not to go on, or is of more than 256 MiB, as only a damaged file makes TagLib ask for.
+/// throws when it is told not to go on, or when the edits exceed 256 MiB, as only a damaged file makes TagLib ask for.
 class PieceStream : public TagLib::IOStream
 {
 public:
@@ -40,7 +40,7 @@ public:
 
     EditedFile& File() { return file; }
 
-    /// The name by which TagLib chooses a type. Without one, it asks the content.
+    /// The name by which TagLib chooses a type. Without one, it looks at the content.
     void SetName(const QByteArray& newName) { typeName = newName; }
 
     TagLib::FileName name() const override { return typeName.constData(); }

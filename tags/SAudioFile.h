@@ -27,7 +27,7 @@ namespace Tag
 enum Index { Artist = 1, Title, Album, Year, Genre, Track };
 }
 
-/// What each tag of a file reads as that cannot be read or carries no tags. A name with this text in it is refused. Its
+/// What every tag reads as when a file cannot be read or carries no tags. A name with this text in it is refused. The
 /// length is given because Qt 5 would count it by strlen(), which Clang does not evaluate in a constant.
 inline constexpr QLatin1String unknownTag("Unknown", 7);
 

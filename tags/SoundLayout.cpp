@@ -15,7 +15,7 @@ quint64 NumberIn(const QByteArray& bytes, int at, int size, Order order = Order:
     return number;
 }
 
-/// 0 where the file has not so many bytes.
+/// 0 where the file has fewer bytes.
 quint64 NumberAt(EditedFile& file, qint64 position, int size, Order order = Order::BigEndian)
 {
     const QByteArray bytes = file.Read(position, size);
@@ -42,7 +42,7 @@ private:
     bool AddOffset(qint64 at, qint64 end, int size, bool isFromEnd = false);
     void Keep(qint64 to);
 
-    qint64 keptTo = 0; ///< from here on, nobody has said yet what has to stay
+    qint64 keptTo = 0; ///< from here on, it is not yet decided what has to stay
     EditedFile& file;
     int count = 0;
 };
@@ -91,7 +91,7 @@ bool Mp4Atoms::Walk(qint64 position, qint64 end, int depth, bool areTags)
         }
         position = next;
     }
-    // Behind the last atom of the file anything may lie; in others, QuickTime ends a list with a word of zeros.
+    // Anything may follow the last atom of the file; inside an atom, QuickTime ends a list with a word of zeros.
     return depth == 0 || file.Read(position, end - position).count('\0') == end - position;
 }
 
@@ -103,7 +103,7 @@ void Mp4Atoms::Keep(qint64 to)
     keptTo = to;
 }
 
-/// Takes the offsets that an atom without others in it holds, if any.
+/// Collects the offsets in an atom that has no others in it, if any.
 bool Mp4Atoms::AddOffsets(const QByteArray& name, qint64 content, qint64 end)
 {
     if (IsOneOf(name, {"cmov", "iloc", "saio"}))
@@ -129,8 +129,8 @@ bool Mp4Atoms::AddOffsets(const QByteArray& name, qint64 content, qint64 end)
     return true;
 }
 
-/// Takes the offsets of a table whose number of entries is at @p start. Each is @p inEntry bytes behind the beginning
-/// of its entry.
+/// Collects the offsets in a table whose number of entries is at @p start. Each is @p inEntry bytes behind the
+/// beginning of its entry.
 bool Mp4Atoms::AddTable(qint64 start, qint64 end, int entrySize, int inEntry, int numberSize)
 {
     const auto entries = static_cast<qint64>(NumberAt(file, start, 4));
@@ -155,7 +155,7 @@ bool Mp4Atoms::AddOffset(qint64 at, qint64 end, int size, bool isFromEnd)
     return true;
 }
 
-/// Where the bytes of a file have gone in its edits.
+/// Where edits have moved the bytes of a file.
 class Places
 {
 public:
@@ -247,7 +247,7 @@ std::optional<SSoundLayout> FlacLayout(EditedFile& file, qint64 start)
 
 std::optional<SSoundLayout> OggLayout(EditedFile& file, qint64 start)
 {
-    // The pages of headers are those that end at no sample, or at the first. Later ones may be numbered anew.
+    // Header pages have the position 0, or -1 where no packet ends. An edit may renumber the pages after them.
     qint64 position = start;
     QByteArray page = file.Read(position, 27);
     while (page.size() == 27 && page.startsWith("OggS") && qint64(NumberIn(page, 6, 8, Order::LittleEndian)) <= 0) {
@@ -264,7 +264,7 @@ std::optional<SSoundLayout> OggLayout(EditedFile& file, qint64 start)
 
 std::optional<SSoundLayout> AsfLayout(EditedFile& file, qint64 start)
 {
-    // Behind the header begins the object of data, whose id this is.
+    // The header is followed by the data object, which has this id.
     const QByteArray dataId = QByteArray::fromHex("3626b2758e66cf11a6d900aa0062ce6c");
     const auto position = static_cast<qint64>(NumberAt(file, 16, 8, Order::LittleEndian));
     if (start != 0 || file.Read(position, 16) != dataId)

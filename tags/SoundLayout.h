@@ -28,15 +28,15 @@ struct SSoundLayout
 /// Each takes the layout of a file of one type, which begins at @p start: a leading ID3v2 tag is before that.
 /// @return nothing when sizes in the file contradict what is there.
 std::optional<SSoundLayout> Mp4Layout(EditedFile& file, qint64 start);
-std::optional<SSoundLayout> RiffLayout(EditedFile& file, qint64 start); ///< of FORM, too
+std::optional<SSoundLayout> RiffLayout(EditedFile& file, qint64 start); ///< of AIFF's FORM, too
 std::optional<SSoundLayout> FlacLayout(EditedFile& file, qint64 start);
 std::optional<SSoundLayout> OggLayout(EditedFile& file, qint64 start);
 std::optional<SSoundLayout> AsfLayout(EditedFile& file, qint64 start);
 /// For all types whose tags are before the sound (ID3v2) and behind it (APE, ID3v1).
 std::optional<SSoundLayout> TaggedAtEndsLayout(EditedFile& file, qint64 start);
 
-/// Corrects the offsets of @p edited that have not gone where their targets have: TagLib sees to those of the first
-/// fragment of an mp4 file only. @p before and @p now are its layouts without its edits and with them.
+/// Corrects the offsets in @p edited that no longer point to their targets: in a fragmented mp4 file, TagLib corrects
+/// only those of the first fragment. @p before and @p now are its layouts without the edits and with them.
 void CorrectOffsets(const SSoundLayout& before, const SSoundLayout& now, EditedFile& edited);
 
 /// Whether @p now is @p before with everything where its bytes have gone.

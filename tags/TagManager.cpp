@@ -84,7 +84,7 @@ TagLib::Tag* TagOf(const TagLib::FileRef& file)
     return file.isNull() ? nullptr : file.tag();
 }
 
-/// All six tags; what each reads as where there is no tag.
+/// All six tags as they read; without @p tag, "Unknown" for each.
 SAudioFile Record(const TagLib::Tag* tag)
 {
     SAudioFile record;

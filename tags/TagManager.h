@@ -28,8 +28,8 @@ public:
 
     /// Opens the file of @p stream, which has to outlive the result. Its signature decides the type, because downloads
     /// often have the wrong extension. A file without one is MPEG sound when its name says so, else what TagLib finds
-    /// in it. Where sizes in the file contradict each other and TagLib would believe them, or the first 4 MiB are zeros
-    /// that a program has yet to fill, it has no type.
+    /// in it. The result is null where sizes in the file contradict each other and TagLib would believe them, or where
+    /// the first 4 MiB are zeros that a program has yet to fill.
     TagLib::FileRef CreateFileRef(PieceStream& stream, bool readAudioProperties) const;
 
     /// The tag with this Tag::Index as text. "Unknown" for a file that cannot be read or has no tags, and for any

@@ -49,7 +49,7 @@ QString PrepareForSearch(QString text)
     for (const char separator : {'-', '.', '_', '[', ']'})
         text.replace(QLatin1Char(separator), QLatin1Char(' '));
     text.replace(QLatin1Char(' '), QLatin1Char('+'));
-    // Nothing is left to remove here: blanks count as "+" before the end is trimmed, and we keep it so.
+    // Nothing is left to remove here: the blanks have become "+" before the end is trimmed. We keep it so.
     RemoveTrailingSpaces(text);
     return text;
 }
