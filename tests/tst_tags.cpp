@@ -58,8 +58,8 @@ QByteArray WithFrames(const char* name)
 QByteArray QuickTimeMp4()
 {
     const QByteArray mp4 = Sample("bare.mp4");
-    const int sound = mp4.indexOf("mdat") - 4, moov = mp4.indexOf("moov") - 4, track = mp4.indexOf("trak") - 4,
-              userData = mp4.indexOf("udta") - 4;
+    const auto sound = mp4.indexOf("mdat") - 4, moov = mp4.indexOf("moov") - 4, track = mp4.indexOf("trak") - 4,
+               userData = mp4.indexOf("udta") - 4;
     const QByteArray header = mp4.mid(moov + 8, track - moov - 8), tracks = mp4.mid(track, userData - track);
     QByteArray moved = Atom("moov", header + Atom("udta", mp4.mid(userData + 8) + Number(0)) + tracks);
     moved.replace(moved.indexOf("stco") + 12, 4, Number(sound + moved.size() + 8));
@@ -85,13 +85,14 @@ QByteArray FragmentedMp4()
 QByteArrayList WhereMp4Points(const QByteArray& file)
 {
     QByteArrayList found;
-    const auto take = [&](int at) { found += file.mid(qFromBigEndian<qint32>(file.constData() + at), 9); };
-    for (int at = 0; (at = file.indexOf("stco", at) + 4) > 3;)
-        take(at + 8);
-    for (int at = 0; (at = file.indexOf("tfhd", at) + 4) > 3;)
+    const auto take = [&](auto at) { found += file.mid(qFromBigEndian<qint32>(file.constData() + at), 9); };
+    for (auto at = file.indexOf("stco"); at >= 0; at = file.indexOf("stco", at + 1))
         take(at + 12);
-    for (int entry = 0, at = file.indexOf("tfra") + 4; at > 3 && entry < 3; ++entry)
-        take(at + 20 + entry * 11);
+    for (auto at = file.indexOf("tfhd"); at >= 0; at = file.indexOf("tfhd", at + 1))
+        take(at + 16);
+    const auto index = file.indexOf("tfra");
+    for (int entry = 0; index >= 0 && entry < 3; ++entry)
+        take(index + 24 + entry * 11);
     return found;
 }
 
