@@ -10,8 +10,8 @@
 
 using Outcome = SRowResult::Outcome;
 
-OriginalsDeletion::OriginalsDeletion(SRunSettings runSettings, QList<QString> keptPathList)
-    : settings(std::move(runSettings)), paths(std::move(keptPathList)), keptPaths(paths.begin(), paths.end())
+OriginalsDeletion::OriginalsDeletion(SRunSettings runSettings, QList<QString> pathsToKeep)
+    : settings(std::move(runSettings)), paths(std::move(pathsToKeep)), keptPaths(paths.begin(), paths.end())
 {
     for (const QString& path : paths) {
         if (const auto facts = FactsOf(path))

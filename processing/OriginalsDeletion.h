@@ -31,8 +31,8 @@ struct SRowResult
 class OriginalsDeletion
 {
 public:
-    /// @p keptPaths are the run's destinations and the sources that were not copied.
-    OriginalsDeletion(SRunSettings runSettings, QList<QString> keptPaths);
+    /// @p pathsToKeep are the run's destinations and the sources that were not copied.
+    OriginalsDeletion(SRunSettings runSettings, QList<QString> pathsToKeep);
 
     /// Deletes the source of one row, if it may. @return false when it was to go and had to stay.
     bool Delete(const SAudioFile& file, const SRowResult& row);

@@ -224,7 +224,7 @@ RunEnd ProcessThread::CopyFiles()
         if (RowAt(i).outcome == Outcome::Failed)
             RecordFailure(files.at(i).Path);
     }
-    return isInterruptionRequested() ? RunEnd::Interrupted : RunEnd::Complete;
+    return EndSoFar();
 }
 
 void ProcessThread::CopyToTree(int index, CopyGroup& group)

@@ -14,7 +14,7 @@ struct SAudioSignature
     QLatin1String bytes; ///< "?" stands for any byte
     TagLib::File* (*open)(PieceStream& stream, bool readAudioProperties);
     std::optional<SSoundLayout> (*layout)(EditedFile& file, qint64 start);
-    bool isBelieved = false; ///< by TagLib, which hangs, or worse, on files of this type that have no layout
+    bool needsLayout = false; ///< by TagLib, which hangs, or worse, on files of this type that have no layout
 };
 
 /// What a file is by its own bytes.

@@ -110,7 +110,7 @@ TagLib::FileRef TagManager::CreateFileRef(PieceStream& stream, bool readAudioPro
         stream.SetName(ExtensionOf(path) == QLatin1String("mp3") ? ".mp3" : "");
         return TagLib::FileRef(&stream, readAudioProperties);
     }
-    if (found.signature->isBelieved && !found.Layout(stream.File()))
+    if (found.signature->needsLayout && !found.Layout(stream.File()))
         return TagLib::FileRef();
     return TagLib::FileRef(found.signature->open(stream, readAudioProperties));
 }

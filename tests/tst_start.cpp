@@ -4,7 +4,7 @@
 #include "tests/Rows.h"
 
 #define main StartProgram
-#include "app/main.cpp"
+#include "app/main.cpp" // NOLINT(bugprone-suspicious-include): its main() is what is tested
 #undef main
 
 namespace
