@@ -380,6 +380,11 @@ Answer Box(QMessageBox::Icon icon, const QString& text, QMessageBox::StandardBut
         Demand(box->screen()->availableGeometry().contains(box->frameGeometry()), "the box is not on the screen");
         Demand(!(buttons & QMessageBox::Yes) || box->defaultButton() == box->button(QMessageBox::Yes),
                "Yes is no default");
+        for (const int key : {Qt::Key_Escape, Qt::Key_Return}) {
+            QKeyEvent held(QEvent::KeyPress, key, {}, QString(), true);
+            QApplication::sendEvent(box->buttons().first(), &held);
+        }
+        Demand(box->isVisible(), "a key that is held answers the box");
         if (answer == QMessageBox::Escape)
             QTest::keyClick(box, Qt::Key_Escape);
         else

@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QFileDialog>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLayout>
 #include <QMainWindow>
@@ -42,13 +43,20 @@ void MoveToMiddle(QDialog& dialog)
     dialog.move(qMax(screen.left(), qMin(middle.x(), last.x())), qMax(screen.top(), qMin(middle.y(), last.y())));
 }
 
-/// A message box has its size only once it is shown.
 class Box : public QMessageBox
 {
 public:
     using QMessageBox::QMessageBox;
 
+    /// A key that is held, such as the one that brought the box up, does not answer it.
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        return (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->isAutoRepeat()) ||
+               QMessageBox::eventFilter(watched, event);
+    }
+
 protected:
+    /// Only now the box has its size.
     void showEvent(QShowEvent* event) override
     {
         QMessageBox::showEvent(event);
@@ -130,8 +138,11 @@ QMessageBox::StandardButton Show(QMessageBox::Icon icon, const QString& title, c
     if (IsLong(text))
         MakeScrollable(box);
     NameIcon(box);
-    for (QAbstractButton* const button : box.buttons())
+    box.installEventFilter(&box);
+    for (QAbstractButton* const button : box.buttons()) {
+        button->installEventFilter(&box);
         button->setIcon(QIcon()); // some desktops still put dated icons on buttons
+    }
     PutAboveMainWindow(box);
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }
