@@ -215,9 +215,12 @@ std::optional<SSoundLayout> RiffLayout(EditedFile& file, qint64 start)
     // Some programs forget the byte that makes the length of the last chunk even, or do not count it.
     if (start != 0 || (size + 8 != end && size + 8 + size % 2 != end))
         return std::nullopt;
+    constexpr std::size_t mostChunks = 1 << 16; // quiet sound that a header does not count reads as many empty chunks
     SSoundLayout layout;
     qint64 position = 12;
     while (end - position >= 8) {
+        if (layout.ranges.size() == mostChunks)
+            return std::nullopt;
         const QByteArray header = file.Read(position, 12);
         const QByteArray name = header.left(4);
         const qint64 chunkEnd = position + 8 + static_cast<qint64>(NumberIn(header, 4, 4, order));

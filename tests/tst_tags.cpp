@@ -47,6 +47,13 @@ QByteArray OddWave(const QByteArray& behind)
     return "RIFF" + Number(content.size(), true) + content;
 }
 
+/// A wave file of silence whose header says that there is no sound, and which cannot all be looked at.
+QByteArray UncountedSilence()
+{
+    QByteArray wave = Damaged("bare.wav", "data", 4, 0, true) + QByteArray(1 << 20, '\0');
+    return wave.replace(4, 4, Number(wave.size() - 8, true));
+}
+
 /// A sample whose sound TagLib would take for that of an mp3 file, as it does with much quiet sound.
 QByteArray WithFrames(const char* name)
 {
@@ -266,6 +273,7 @@ private slots:
         add("wav, data too short", "x.wav", Damaged("bare.wav", "data", 4, 500, true), false);
         add("wav, all too short", "x.wav", Damaged("bare.wav", "RIFF", 4, 500, true), false);
         add("wav, recording never ended", "x.wav", Damaged("bare.wav", "data", 4, -1, true), false);
+        add("wav, sound not counted", "x.wav", UncountedSilence(), false);
         add("wav, odd and not padded", "x.wav", OddWave(""), true);
         add("wav, tags at an odd place", "x.wav",
             OddWave("LIST" + Number(34, true) + "INFOINAM" + Number(22, true) + "A title of some length"), false);
