@@ -926,7 +926,16 @@ private slots:
         stops(__LINE__, "press 0; buttonOrganize", 9, "", {});
         Open();
         DO("drop in/0.spx");
-        ENDS("buttonOrganize", {[this](QWidget*) { Child<QAction>(*window, "actionExit")->trigger(); }});
+        const Answer leaves = [this](QWidget*) { Child<QAction>(*window, "actionExit")->trigger(); };
+        ENDS("buttonOrganize", {leaves});
+        // The desktop may end the program while it asks whether to stop.
+        Open();
+        const auto escape = EscapeOnce([this] { return Status() == "Updating audio file list..."; });
+        ENDS("drop in", {leaves});
+        Open();
+        DO("drop in");
+        EscapeAtStart();
+        ENDS("buttonOrganize", {leaves});
     }
 
     void opensPagesAndPrograms()
