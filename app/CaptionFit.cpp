@@ -8,6 +8,7 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -77,7 +78,7 @@ void FitCaptions(const QWidget& window)
     }
     for (bool shrunk = true; shrunk;) {
         shrunk = false;
-        for (const QWidgetList& captions : qAsConst(groups)) {
+        for (const QWidgetList& captions : std::as_const(groups)) {
             const bool cut = std::any_of(captions.begin(), captions.end(), IsCut);
             shrunk |= cut && Shrink(captions);
         }
