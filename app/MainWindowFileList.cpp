@@ -182,7 +182,7 @@ void MainWindow::OpenPaths(const QStringList& paths)
     AddPaths(paths);
 }
 
-/// Adds folders, always with their subfolders, and after them files; what is neither is passed over.
+/// Adds folders, always with their subfolders, and after them files; anything else is ignored.
 void MainWindow::AddPaths(const QStringList& paths)
 {
     QStringList files;
