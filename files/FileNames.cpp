@@ -76,5 +76,5 @@ bool RemoveFile(const QString& path, const QString& other)
 bool FlushFolder(const QString& folder)
 {
     FileHandle handle(folder, O_RDONLY);
-    return !handle.IsOpen() || handle.Flush(FileHandle::Depth::Drive);
+    return handle.IsOpen() ? handle.Flush(FileHandle::Depth::Drive) : errno == EACCES || errno == EPERM;
 }

@@ -469,6 +469,8 @@ private slots:
                  {"no flush of what was made above", "new/upper/out", "fsync 6", "fails", "stays"},
                  {"no flush above that", "new/upper/out", "fsync 7", "fails", "stays"},
                  {"no flush of the first", "new/upper/out", "fsync 8", "fails", "stays"},
+                 {"no opening of the output folder", "out", "open 2", "fails", "stays"},
+                 {"a folder that may not be read", "out", "open 2", "is forbidden", "goes"},
                  {"written while names are flushed", "out", "fsync 2", "is written", "stays"},
                  {"the copy goes meanwhile", "out", "fsync 2", "copy goes", "stays"},
                  {"a folder takes its place", "out", "fsync 2", "folder", "stays"},
@@ -507,7 +509,7 @@ private slots:
                 QDir().mkdir(out + "/G/A/L/T.mp3");
             if (what == "stop")
                 worker.requestInterruption();
-            return what == "fails" ? EIO : 0;
+            return what == "fails" ? EIO : what == "is forbidden" ? EACCES : 0;
         });
         worker.start();
         worker.wait();
