@@ -23,6 +23,17 @@
 namespace
 {
 constexpr QSize startSize(780, 560);
+
+const QString themeSheet =
+    QStringLiteral("QToolTip { color: #FFFFFF; background-color: #26A3E2; border: 1px solid white; }"
+                   "QLineEdit:!enabled { background-color: #424242; }"
+                   "QPushButton:!enabled { background-color: #505050; color: #999999; }"
+                   "QSpinBox:!enabled { background-color: #424242; }"
+                   "QMenu { background-color: #313131; }"
+                   "QMenu::item:!enabled { color: #999999; }"
+                   "QMenu::item:selected { color: #FFFFFF; background-color: #07D33A; }"
+                   "QMenu::item:selected:!enabled { color: #000000; }"
+                   "QMenu::separator { }");
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), ui(std::make_unique<Ui_MainWindow>()), worker(nullptr)
@@ -82,16 +93,7 @@ void MainWindow::ChangeTheme()
     for (const char* widget : {"QCheckBox", "QComboBox", "QLabel", "QLineEdit", "QRadioButton"})
         QApplication::setPalette(disabledPalette, widget);
 
-    qApp->setStyleSheet(
-        QStringLiteral("QToolTip { color: #FFFFFF; background-color: #26A3E2; border: 1px solid white; }"
-                       "QLineEdit:!enabled { background-color: #424242; }"
-                       "QPushButton:!enabled { background-color: #505050; color: #999999; }"
-                       "QSpinBox:!enabled { background-color: #424242; }"
-                       "QMenu { background-color: #313131; }"
-                       "QMenu::item:!enabled { color: #999999; }"
-                       "QMenu::item:selected { color: #FFFFFF; background-color: #07D33A; }"
-                       "QMenu::item:selected:!enabled { color: #000000; }"
-                       "QMenu::separator { }"));
+    qApp->setStyleSheet(themeSheet);
 }
 
 void MainWindow::Init()
