@@ -7,6 +7,7 @@
 #include <id3v2framefactory.h>
 #include <mp4file.h>
 #include <mpcfile.h>
+#include <mpegheader.h>
 #include <oggflacfile.h>
 #include <opusfile.h>
 #include <speexfile.h>
@@ -106,4 +107,16 @@ SFoundSignature FindSignature(EditedFile& file)
 std::optional<SSoundLayout> SFoundSignature::Layout(EditedFile& file) const
 {
     return signature ? signature->layout(file, start) : TaggedAtEndsLayout(file, qMin(start, file.Size()));
+}
+
+bool SFoundSignature::StartsWithinSound(TagLib::File& file) const
+{
+    // In bytes: 160 kbit/s at 8 kHz, and a byte of padding (ISO/IEC 11172-3, 2.4.3.1, as MPEG 2.5 extends it).
+    constexpr qint64 longestFrame = 2881;
+    for (qint64 at = qMax<qint64>(start - longestFrame, 0); !signature && at < start; ++at) {
+        const TagLib::MPEG::Header header(&file, static_cast<PieceStream::Offset>(at));
+        if (header.isValid() && at + header.frameLength() >= start)
+            return true;
+    }
+    return false;
 }

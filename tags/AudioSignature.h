@@ -25,6 +25,9 @@ struct SFoundSignature
 
     /// The layout by this signature; without one, that of MPEG sound, which has none.
     std::optional<SSoundLayout> Layout(EditedFile& file) const;
+
+    /// Whether the leading tags of MPEG sound claim the first of it, too, by a size that is wrong.
+    bool StartsWithinSound(TagLib::File& file) const;
 };
 
 SFoundSignature FindSignature(EditedFile& file);

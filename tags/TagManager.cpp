@@ -160,12 +160,13 @@ bool TagManager::Edit(PieceStream& stream, TagLib::FileRef file, const TagValues
     if (!changed)
         return false;
     const auto layoutOf = [](EditedFile& content) { return FindSignature(content).Layout(content); };
-    const auto before = layoutOf(stream.File());
+    const SFoundSignature found = FindSignature(stream.File());
+    const auto before = found.Layout(stream.File());
     const auto refuse = [this](const char* reason) {
         LogFailure(notSaved, path, QLatin1String(reason));
         return false;
     };
-    if (!before)
+    if (!before || found.StartsWithinSound(*file.file()))
         return refuse("Sizes in it contradict what is there");
     if (!file.save())
         return refuse("TagLib could not edit it");

@@ -281,6 +281,7 @@ private slots:
         add("aif, all too short", "x.aif", Damaged("bare.aif", "FORM", 4, 500), false);
 
         add("flac, comment into the sound", "x.flac", Damaged("bare.flac", "reference", -8, 0x84000100), false);
+        add("mp3, tag into the sound", "x.mp3", Damaged("full.mp3", "ID3", 6, 0x0958), false, fullTags);
         add("wv, tag into the sound", "x.wv", Damaged("full.wv", "APETAGEX", 12, 700, true), false);
         add("asf, header into the sound", "x.asf", Damaged("bare.asf", "\x30\x26\xb2\x75", 16, 700, true), false);
         add("ogg, torn page", "x.ogg", Sample("bare.ogg").left(2700).replace(2640, 4, "Oops"), false);
