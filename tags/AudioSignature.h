@@ -26,7 +26,7 @@ struct SFoundSignature
     /// The layout by this signature; without one, that of MPEG sound, which has none.
     std::optional<SSoundLayout> Layout(EditedFile& file) const;
 
-    /// Whether the leading tags of MPEG sound claim the first of it, too, by a size that is wrong.
+    /// Whether a wrong size makes the tags before MPEG sound reach into it.
     bool StartsWithinSound(TagLib::File& file) const;
 };
 

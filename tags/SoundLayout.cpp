@@ -7,19 +7,20 @@ namespace
 {
 enum class Order { BigEndian, LittleEndian };
 
+/// 0 where there are not so many bytes: the file ends there, or cannot be read.
 quint64 NumberIn(const QByteArray& bytes, int at, int size, Order order = Order::BigEndian)
 {
+    if (bytes.size() < at + size)
+        return 0;
     quint64 number = 0;
     for (int i = 0; i < size; ++i)
         number = number << 8 | static_cast<quint8>(bytes.at(order == Order::BigEndian ? at + i : at + size - 1 - i));
     return number;
 }
 
-/// 0 where the file has fewer bytes.
 quint64 NumberAt(EditedFile& file, qint64 position, int size, Order order = Order::BigEndian)
 {
-    const QByteArray bytes = file.Read(position, size);
-    return bytes.size() == size ? NumberIn(bytes, 0, size, order) : 0;
+    return NumberIn(file.Read(position, size), 0, size, order);
 }
 
 bool IsOneOf(const QByteArray& name, std::initializer_list<const char*> names)
@@ -219,9 +220,9 @@ std::optional<SSoundLayout> RiffLayout(EditedFile& file, qint64 start)
     SSoundLayout layout;
     qint64 position = 12;
     while (end - position >= 8) {
-        if (layout.ranges.size() == mostChunks)
-            return std::nullopt;
         const QByteArray header = file.Read(position, 12);
+        if (header.isEmpty() || layout.ranges.size() == mostChunks)
+            return std::nullopt;
         const QByteArray name = header.left(4);
         const qint64 chunkEnd = position + 8 + static_cast<qint64>(NumberIn(header, 4, 4, order));
         if (!IsOneOf(name, {"ID3 ", "id3 "}) && !(name == "LIST" && header.mid(8) == "INFO"))

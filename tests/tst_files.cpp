@@ -8,6 +8,7 @@
 #include "tests/Rows.h"
 
 #include <QTemporaryDir>
+#include <QtEndian>
 #include <QtTest>
 
 #include <fileref.h>
@@ -188,6 +189,27 @@ private slots:
             QCOMPARE(stream.File().Save([] { return true; }), EditedFile::Saved::Whole);
             edited = inPlace = TagLib::FileRef();
             QVERIFY2(Bytes(ours) == Bytes(theirs), qPrintable(QString("a title of %1").arg(length)));
+        }
+    }
+
+    void readErrorsHarmNothing()
+    {
+        // Long enough for several readings.
+        const QByteArray zeros(0xFFF8, '\0'), atom = QByteArray("\0\1\0\0free", 8) + zeros,
+                                              chunk = QByteArray("junk\xF8\xFF\0\0", 8) + zeros;
+        QByteArray wave = Bytes(TEST_DATA_DIR "/bare.wav") + chunk + chunk;
+        qToLittleEndian(static_cast<quint32>(wave.size() - 8), wave.data() + 4);
+        for (const QByteArray& content : {Bytes(TEST_DATA_DIR "/bare.mp4") + atom + atom, wave}) {
+            for (int nth = 1; nth < 9; ++nth) {
+                QFile file(In("a.mp3"));
+                QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+                file.close();
+                onCall = [nth, count = 0](const QByteArray& call) mutable {
+                    return call == "pread" && ++count >= nth ? EIO : 0;
+                };
+                Work("moves");
+                QVERIFY2(Bytes(In("a.mp3")) == content, qPrintable(QString("reading %1").arg(nth)));
+            }
         }
     }
 
