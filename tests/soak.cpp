@@ -8,9 +8,6 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
-#include <fileref.h>
-#include <tag.h>
-
 #include <csignal>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -110,17 +107,11 @@ void DemandAudio(const char* folder)
 
 void TryKills(int tries)
 {
-    // Pieces without tags, so that there is no room for any, and what TagLib in place makes of each.
+    // Pieces without tags, so that there is no room for any.
     for (int piece = 0; piece < pieces; ++piece) {
-        const QString artist = QString("Ann %1").arg(piece),
-                      type = AudioExtensions().at(piece % AudioExtensions().size());
-        const QString name = artist + "-Song." + type, repaired = "repaired/" + artist + '/' + name;
-        PutBytes("library/" + name, Bytes(samples + "bare." + type).replace(SharedAudio(type), Audio(piece, type)));
-        PutBytes(repaired, Bytes("library/" + name));
-        TagLib::FileRef file(qPrintable(repaired), false);
-        file.tag()->setArtist(qPrintable(artist));
-        file.tag()->setTitle("Song");
-        Demand(file.save(), name);
+        const QString type = AudioExtensions().at(piece % AudioExtensions().size());
+        PutBytes(QString("library/Ann %1-Song.").arg(piece) + type,
+                 Bytes(samples + "bare." + type).replace(SharedAudio(type), Audio(piece, type)));
     }
     for (int i = 0, undisturbed = 0; i <= tries; ++i) {
         Demand(std::system("rm -rf try && mkdir -p try/out && cp -a library try/in && ln -s out try/link") == 0, "try");
@@ -133,7 +124,7 @@ void TryKills(int tries)
         Organise("try/out", "try/link", false); // each file is its own destination
         DemandAudio("try");
         if (i == 0)
-            Demand(std::system("diff -rq repaired try/out && rmdir try/in") == 0, "not organised as TagLib would");
+            Demand(QDir("try/in").isEmpty(), "an original is left");
     }
 }
 } // namespace

@@ -97,12 +97,6 @@ private slots:
         QTEST(BuildFileName(file, 2, ""), "name");
         QTEST(Preview(file, {10, 2, "", false, false, false, "o/", false}), "preview");
     }
-    void indicesBeyondTheTables()
-    {
-        QCOMPARE(BuildFolderPath("o/", FolderTags(song, 16)), QString("o/"));
-        QCOMPARE(BuildFileName(song, 7, "x"), QString());
-        QCOMPARE(Preview(song, {16, 7, "x", false, false, false, "o/", false}), QString("o//.mp3"));
-    }
 
     void profileText_data()
     {
