@@ -1,5 +1,6 @@
 #include "demo/AudioSamples.h"
 #include "files/CopyGroup.h"
+#include "files/FailureLog.h"
 #include "files/FileNames.h"
 #include "files/TextFile.h"
 #include "processing/ProcessThread.h"
@@ -258,6 +259,10 @@ private slots:
                 return ENOSYS;
             return name == row.call && (++count == row.nth || row.nth == 0 || count <= -row.nth) ? row.error : 0;
         };
+        if (!row.done && qstrcmp(row.work, "profile"))
+            QTest::ignoreMessage(QtWarningMsg, qPrintable(QString("%1 %2: %3")
+                                                              .arg(copies ? notCopied : notSaved, In("a.mp3"),
+                                                                   strerror(row.error)))); // which must come
         const bool success = Work(row.work);
         onCall = nullptr;
         QVERIFY2(count > 0, "the call is not made");

@@ -235,6 +235,8 @@ private slots:
         add("aif, sound like mp3", "x.aif", WithFrames("bare.aif"), true);
         add("wav, sound like mp3", "x.wav", WithFrames("bare.wav"), true);
         add("FLAC behind tags", "x.mp3", twoTags + Sample("bare.flac"), true);
+        const QByteArray footed = QByteArray(tag).replace(5, 1, "\x10") + QByteArray(26, '\0');
+        add("FLAC behind a tag with a footer", "x.mp3", footed + Sample("bare.flac"), true);
         add("WAV behind tags", "x.wav", twoTags + Sample("bare.wav"), false);
         add("no sound in it", "x.ogg", "OggS and no more", false, unreadable);
         add("signature of another type", "x.mp3", "fLaC" + Sample("bare.mp3"), false, unreadable);
@@ -260,6 +262,7 @@ private slots:
         add("aif, sound too short", "x.aif", Damaged("bare.aif", "SSND", 4, 500), false);
         add("aif, all too short", "x.aif", Damaged("bare.aif", "FORM", 4, 500), false);
 
+        add("flac, no sound", "x.flac", Sample("bare.flac").left(Sample("bare.flac").indexOf("\xff\xf8")), true);
         add("flac, comment into the sound", "x.flac", Damaged("bare.flac", "reference", -8, 0x84000100), false);
         add("mp3, tag into the sound", "x.mp3", Damaged("full.mp3", "ID3", 6, 0x0958), false, fullTags);
         add("wv, tag into the sound", "x.wv", Damaged("full.wv", "APETAGEX", 12, 700, true), false);
@@ -302,6 +305,7 @@ private slots:
             }
             QVERIFY2(answers > (length > 1 ? 7 : 1), qPrintable(QString("asked %1 times").arg(answers)));
         }
+        QVERIFY(Bytes(tags.path).endsWith(sound));
         tags.goOn = [] { return true; };
         QCOMPARE(QDir(folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList("x.flac"));
     }
