@@ -108,7 +108,11 @@ void CopyGroup::Finish()
     const auto group = std::exchange(waiting, {});
     waitingBytes = 0;
     folders.clear();
-    // The first flush makes the disk write most of what the others would wait for.
+    // The first flush waits for all of them, and cannot be stopped: on a slow stick, let there be little to wait for.
+    for (const auto& each : group) {
+        if (goOn())
+            each->copy->AwaitFlush();
+    }
     for (const auto& each : group) {
         each->isFlushed = goOn() && each->copy->Finish();
         if (!each->isFlushed)

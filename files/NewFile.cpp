@@ -25,6 +25,9 @@
 namespace
 {
 constexpr qint64 step = 1 << 20; // bytes; a slow USB stick takes a tenth of a second for them
+#ifndef Q_OS_MACOS
+constexpr unsigned int writeAndWait = SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
+#endif
 
 #ifdef Q_OS_MACOS
 qint64 CopyInKernel(int, qint64, int, qint64, qint64)
@@ -152,10 +155,9 @@ bool NewFile::StartWriting()
     if (size - onItsWay < step)
         return true;
     const int file = handle.Descriptor();
-    constexpr unsigned int andWait = SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
     // A length of 0 would mean all of the file.
     const bool ok = (sync_file_range(file, onItsWay, size - onItsWay, SYNC_FILE_RANGE_WRITE) == 0 &&
-                     (onItsWay == written || sync_file_range(file, written, onItsWay - written, andWait) == 0)) ||
+                     (onItsWay == written || sync_file_range(file, written, onItsWay - written, writeAndWait) == 0)) ||
                     IsUnsupported();
     written = onItsWay;
     onItsWay = size;
@@ -167,6 +169,13 @@ void NewFile::StartFlush()
 {
 #ifndef Q_OS_MACOS
     sync_file_range(handle.Descriptor(), onItsWay, 0, SYNC_FILE_RANGE_WRITE); // 0: to the end
+#endif
+}
+
+void NewFile::AwaitFlush()
+{
+#ifndef Q_OS_MACOS
+    sync_file_range(handle.Descriptor(), written, 0, writeAndWait);
 #endif
 }
 

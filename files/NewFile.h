@@ -43,6 +43,8 @@ public:
 
     /// Makes the disk begin to write what it has not, without waiting, so that a flush finds less to do.
     void StartFlush();
+    /// Waits for what StartFlush() began, a few megabytes at most. Only Finish() says whether it succeeded.
+    void AwaitFlush();
     /// Flushes and closes it. @return false when some of the content may be missing; then it must not appear.
     bool Finish();
     /// Gives it its name. @return false when it could not, or something that must stay is already there.

@@ -48,6 +48,11 @@ TagLib::File* OpenOgg(PieceStream& stream, bool readAudioProperties)
     return nullptr;
 }
 
+TagLib::File* OpenNothing(PieceStream&, bool)
+{
+    return nullptr;
+}
+
 const SAudioSignature signatures[] = {
     {QLatin1String("RIFF????WAVE"), Open<TagLib::RIFF::WAV::File>, RiffLayout},
     {QLatin1String("FORM????AIFF"), Open<TagLib::RIFF::AIFF::File>, RiffLayout},
@@ -68,6 +73,12 @@ const SAudioSignature signatures[] = {
     {QLatin1String("TTA1"), Open<TagLib::TrueAudio::File>, TaggedAtEndsLayout},
     {QLatin1String("\x30\x26\xb2\x75\x8e\x66\xcf\x11\xa6\xd9\0\xaa\0\x62\xce\x6c", 16), Open<TagLib::ASF::File>,
      AsfLayout},
+    // None of ours. An mp3 is what nothing else claims, so that TagLib would find one in these.
+    {QLatin1String("RF64"), OpenNothing, TaggedAtEndsLayout},
+    {QLatin1String("riff"), OpenNothing, TaggedAtEndsLayout}, // Wave64
+    {QLatin1String(".snd"), OpenNothing, TaggedAtEndsLayout},
+    {QLatin1String("caff"), OpenNothing, TaggedAtEndsLayout},
+    {QLatin1String("\x1A\x45\xDF\xA3"), OpenNothing, TaggedAtEndsLayout}, // Matroska and WebM
 };
 
 bool Matches(const QByteArray& head, QLatin1String bytes)

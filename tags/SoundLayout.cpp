@@ -7,6 +7,8 @@ namespace
 {
 enum class Order { BigEndian, LittleEndian };
 
+constexpr int id3v1Size = 128; // bytes
+
 /// 0 where there are not so many bytes: the file ends there, or cannot be read.
 quint64 NumberIn(const QByteArray& bytes, int at, int size, Order order = Order::BigEndian)
 {
@@ -57,6 +59,8 @@ bool Mp4Atoms::Walk(qint64 position, qint64 end, int depth, bool areTags)
         return false;
     while (end - position >= 8) {
         const QByteArray header = file.Read(position, 16);
+        if (depth == 0 && end - position == id3v1Size && header.startsWith("TAG"))
+            return true; // that of a program which took the file for an mp3
         const QByteArray name = header.mid(4, 4);
         qint64 content = position + 8;
         qint64 size = static_cast<qint64>(NumberIn(header, 0, 4));
@@ -184,7 +188,7 @@ private:
 /// The end of the sound before the tags that end a file.
 qint64 EndOfSound(EditedFile& file)
 {
-    constexpr int id3v1Size = 128, footerSize = 32; // bytes, of APE's header, too
+    constexpr int footerSize = 32; // bytes, of APE's header, too
     qint64 end = file.Size();
     if (file.Read(end - id3v1Size, 3) == "TAG")
         end -= id3v1Size;
@@ -288,7 +292,7 @@ void CorrectOffsets(const SSoundLayout& before, const SSoundLayout& now, EditedF
         return;
     for (std::size_t i = 0; i < now.offsets.size(); ++i) {
         const SSoundLayout::SOffset& offset = now.offsets[i];
-        const qint64 target = places.Of(before.offsets[i].target).value_or(offset.target);
+        const qint64 target = places.Of(before.offsets[i].target).value_or(before.offsets[i].target);
         if (target == offset.target || offset.size == 0)
             continue;
         qint64 number = target - (offset.distance ? offset.at + offset.distance : 0);

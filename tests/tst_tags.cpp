@@ -239,6 +239,7 @@ private slots:
         add("FLAC behind a tag with a footer", "x.mp3", footed + Sample("bare.flac"), true);
         add("WAV behind tags", "x.wav", twoTags + Sample("bare.wav"), false);
         add("no sound in it", "x.ogg", "OggS and no more", false, unreadable);
+        add("Wave64 with sound like mp3", "x.mp3", "riff" + Sample("bare.mp3"), false, unreadable);
         add("signature of another type", "x.mp3", "fLaC" + Sample("bare.mp3"), false, unreadable);
 
         add("mp4 in fragments", "x.mp4", FragmentedMp4(), true);
@@ -246,6 +247,7 @@ private slots:
         add("mp4, moov to the end", "x.mp4", Damaged("bare.mp4", "moov", -4, 0), false);
         add("mp4, offsets of another kind", "x.mp4", QuickTimeMp4() + Atom("meta", Number(0) + Atom("iloc", "")),
             false);
+        add("mp4, ID3v1 behind it", "x.mp4", Sample("bare.mp4") + "TAG" + QByteArray(125, ' '), true);
         add("mp4, a bit of a count", "x.mp4", Damaged("bare.mp4", "stco", 8, 1 + (1 << 5)), false, unreadable);
         add("mp4, atom longer than its holder", "x.mp4", Damaged("bare.mp4", "stsz", -4, 5000), false, unreadable);
         add("mp4, cut off", "x.mp4", QuickTimeMp4().chopped(100), false, unreadable);
