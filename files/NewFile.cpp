@@ -77,15 +77,17 @@ NewFile::NewFile(const QString& path, mode_t mode) : destination(path)
 
 NewFile::~NewFile()
 {
-    if (!hiddenName.isEmpty())
-        RemoveFile(hiddenName);
+    if (hiddenName.isEmpty())
+        return;
+    handle.Close(); // not every file system removes an open file
+    RemoveFile(hiddenName);
 }
 
 bool NewFile::Clone(const FileHandle& source)
 {
 #ifdef Q_OS_MACOS
     // A clone of a locked file is locked, too: it could neither be renamed nor removed.
-    constexpr unsigned int locks = UF_IMMUTABLE | UF_APPEND | SF_IMMUTABLE | SF_APPEND;
+    constexpr unsigned int locks = UF_IMMUTABLE | UF_APPEND | SF_IMMUTABLE | SF_APPEND | SF_NOUNLINK;
     struct stat from, to;
     if (fstat(source.Descriptor(), &from) != 0 || fstat(handle.Descriptor(), &to) != 0 || from.st_dev != to.st_dev ||
         (from.st_flags & locks) != 0)
