@@ -22,6 +22,12 @@ inline QByteArray Bytes(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
 }
 
+/// What an audio file of tests/data holds.
+inline QByteArray SampleBytes(const QString& sample)
+{
+    return Bytes(QStringLiteral(TEST_DATA_DIR "/") + sample);
+}
+
 /// Makes a file of @p bytes, or fills it with them, and makes its folders.
 inline void PutBytes(const QString& path, const QByteArray& bytes)
 {

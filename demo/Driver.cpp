@@ -442,6 +442,14 @@ Answer Fill(const QString& acts)
     };
 }
 
+Answer Shows(const QString& expected, const Answer& then)
+{
+    return [=](QWidget* dialog) {
+        DemandSeen(Visible(*dialog), expected);
+        then(dialog);
+    };
+}
+
 Answer CloseSocial()
 {
     return Dialog("Give Us a Like", Fill("close"));

@@ -131,4 +131,6 @@ Answer Files(const QString& caption, const QString& paths = {}, const QString& s
 Answer Dialog(const QString& title, const Answer& answer);
 /// Does one thing after another with a dialog, as Do() does it: "editTitle New; buttonOK".
 Answer Fill(const QString& acts);
+/// Compares all that is Visible() in a dialog, and goes on.
+Answer Shows(const QString& expected, const Answer& then);
 Answer CloseSocial();

@@ -18,7 +18,6 @@
 namespace
 {
 constexpr int pieces = 40;
-const QString samples = QStringLiteral(TEST_DATA_DIR "/");
 
 void Demand(bool ok, const QString& evidence)
 {
@@ -30,8 +29,8 @@ void Demand(bool ok, const QString& evidence)
 /// first 12 bytes hold the length of the file in some types.
 QByteArray SharedAudio(const QString& extension)
 {
-    const QByteArray bare = Bytes(samples + "bare." + extension).mid(12);
-    const QByteArray full = Bytes(samples + "full." + extension).mid(12);
+    const QByteArray bare = SampleBytes(QString("bare.") + extension).mid(12);
+    const QByteArray full = SampleBytes(QString("full.") + extension).mid(12);
     const auto front = std::mismatch(bare.begin(), bare.end(), full.begin(), full.end()).first - bare.begin();
     const auto back = std::mismatch(bare.rbegin(), bare.rend(), full.rbegin(), full.rend()).first - bare.rbegin();
     return front > back ? bare.left(static_cast<int>(front / 2)) : bare.right(static_cast<int>(back / 2));
@@ -74,10 +73,10 @@ void Organise(const char* from, const char* to, bool edits, int killAfter = -1)
 void TryDamage(int tries)
 {
     QRandomGenerator random{20};
-    const QStringList names = QDir(samples).entryList({"bare.*", "full.*"});
+    const QStringList names = QDir(TEST_DATA_DIR).entryList({"bare.*", "full.*"});
     for (int i = 0; i < tries; ++i) {
         const QString& name = names.at(i % names.size());
-        QByteArray bytes = Bytes(samples + name);
+        QByteArray bytes = SampleBytes(name);
         const int whole = static_cast<int>(bytes.size()), size = random.bounded(3) ? whole : 1 + random.bounded(whole);
         bytes.truncate(size);
         for (int flip = random.bounded(12); flip > 0; --flip) {
@@ -111,7 +110,7 @@ void TryKills(int tries)
     for (int piece = 0; piece < pieces; ++piece) {
         const QString type = AudioExtensions().at(piece % AudioExtensions().size());
         PutBytes(QString("library/Ann %1-Song.").arg(piece) + type,
-                 Bytes(samples + "bare." + type).replace(SharedAudio(type), Audio(piece, type)));
+                 SampleBytes(QString("bare.") + type).replace(SharedAudio(type), Audio(piece, type)));
     }
     for (int i = 0, undisturbed = 0; i <= tries; ++i) {
         Demand(std::system("rm -rf try && mkdir -p try/out && cp -a library try/in && ln -s out try/link") == 0, "try");

@@ -45,15 +45,6 @@ void Put(const QString& sample, const QString& paths)
             TagManager().WriteFile({"T", "A", "L", "1999", "G", "7", path});
     }
 }
-
-/// Compares all that a dialog shows before it goes on.
-Answer Shows(const QString& expected, const Answer& then)
-{
-    return [=](QWidget* dialog) {
-        DemandSeen(Visible(*dialog), expected);
-        then(dialog);
-    };
-}
 } // namespace
 
 /// The steps of a story, which ends at the first that fails. DO(ACTS) does one thing after another, STEP(ACTS, ANSWERS,

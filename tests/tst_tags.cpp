@@ -27,15 +27,10 @@ QByteArray Atom(const char* name, const QByteArray& content)
     return Number(8 + content.size()) + name + content;
 }
 
-QByteArray Sample(const char* name)
-{
-    return Bytes(QStringLiteral(TEST_DATA_DIR "/") + name);
-}
-
 /// A sample with a number of four bytes changed, @p distance bytes behind the last @p mark.
 QByteArray Damaged(const char* name, const char* mark, int distance, qint64 number, bool little = false)
 {
-    QByteArray bytes = Sample(name);
+    QByteArray bytes = SampleBytes(name);
     return bytes.replace(bytes.lastIndexOf(mark) + distance, 4, Number(number, little));
 }
 
@@ -43,7 +38,7 @@ QByteArray Damaged(const char* name, const char* mark, int distance, qint64 numb
 QByteArray OddWave(const QByteArray& behind)
 {
     const QByteArray content =
-        "WAVE" + Sample("bare.wav").mid(12, 24) + "data" + Number(2001, true) + QByteArray(2001, '\x55') + behind;
+        "WAVE" + SampleBytes("bare.wav").mid(12, 24) + "data" + Number(2001, true) + QByteArray(2001, '\x55') + behind;
     return "RIFF" + Number(content.size(), true) + content;
 }
 
@@ -57,14 +52,14 @@ QByteArray UncountedSilence()
 /// A sample whose sound TagLib would take for that of an mp3 file, as it does with much quiet sound.
 QByteArray WithFrames(const char* name)
 {
-    const QByteArray frames = Sample("bare.mp3");
-    return Sample(name).replace(54, frames.size(), frames);
+    const QByteArray frames = SampleBytes("bare.mp3");
+    return SampleBytes(name).replace(54, frames.size(), frames);
 }
 
 /// bare.mp4 with the sound behind everything else, and user data before the tracks that end with a word of zeros.
 QByteArray QuickTimeMp4()
 {
-    const QByteArray mp4 = Sample("bare.mp4");
+    const QByteArray mp4 = SampleBytes("bare.mp4");
     const auto sound = mp4.indexOf("mdat") - 4, moov = mp4.indexOf("moov") - 4, track = mp4.indexOf("trak") - 4,
                userData = mp4.indexOf("udta") - 4;
     const QByteArray header = mp4.mid(moov + 8, track - moov - 8), tracks = mp4.mid(track, userData - track);
@@ -76,7 +71,7 @@ QByteArray QuickTimeMp4()
 /// Three fragments behind bare.mp4; the file says where the sound of each is.
 QByteArray FragmentedMp4()
 {
-    QByteArray mp4 = Sample("bare.mp4"), index;
+    QByteArray mp4 = SampleBytes("bare.mp4"), index;
     for (const char* sound : {"sound one", "sound two", "sound three"}) {
         const auto header = [](qint64 base) {
             return Number(1) + Number(1) + Number(0) + Number(base); // flags, track, and 64 bits of a position
@@ -219,7 +214,7 @@ private slots:
         QTest::addColumn<bool>("saved");
         const auto add = [](const char* row, const char* name, const QByteArray& bytes, bool saved,
                             const QString& texts = noTags) { QTest::newRow(row) << name << bytes << texts << saved; };
-        QByteArray nested, flood = Sample("bare.mp4");
+        QByteArray nested, flood = SampleBytes("bare.mp4");
         for (int depth = 100000; depth > 0; --depth)
             nested += Number(8 * depth) + "moov";
         for (int atom = 0; atom < 1 << 18; ++atom)
@@ -229,25 +224,26 @@ private slots:
         add("missing", "x.mp3", QByteArray(), false, unreadable);
         add("a folder", ".", QByteArray(), false, unreadable);
         add("no music", "x.txt", "no music", false, unreadable);
-        add("made, but not filled yet", "x.mp3", QByteArray(4 << 20, '\0') + Sample("bare.mp3"), false, unreadable);
+        add("made, but not filled yet", "x.mp3", QByteArray(4 << 20, '\0') + SampleBytes("bare.mp3"), false,
+            unreadable);
         add("empty", "x.mp3", "", true); // where there is nothing to lose
 
         add("aif, sound like mp3", "x.aif", WithFrames("bare.aif"), true);
         add("wav, sound like mp3", "x.wav", WithFrames("bare.wav"), true);
-        add("FLAC behind tags", "x.mp3", twoTags + Sample("bare.flac"), true);
+        add("FLAC behind tags", "x.mp3", twoTags + SampleBytes("bare.flac"), true);
         const QByteArray footed = QByteArray(tag).replace(5, 1, "\x10") + QByteArray(26, '\0');
-        add("FLAC behind a tag with a footer", "x.mp3", footed + Sample("bare.flac"), true);
-        add("WAV behind tags", "x.wav", twoTags + Sample("bare.wav"), false);
+        add("FLAC behind a tag with a footer", "x.mp3", footed + SampleBytes("bare.flac"), true);
+        add("WAV behind tags", "x.wav", twoTags + SampleBytes("bare.wav"), false);
         add("no sound in it", "x.ogg", "OggS and no more", false, unreadable);
-        add("Wave64 with sound like mp3", "x.mp3", "riff" + Sample("bare.mp3"), false, unreadable);
-        add("signature of another type", "x.mp3", "fLaC" + Sample("bare.mp3"), false, unreadable);
+        add("Wave64 with sound like mp3", "x.mp3", "riff" + SampleBytes("bare.mp3"), false, unreadable);
+        add("signature of another type", "x.mp3", "fLaC" + SampleBytes("bare.mp3"), false, unreadable);
 
         add("mp4 in fragments", "x.mp4", FragmentedMp4(), true);
         add("mp4, zeros end the user data", "x.mp4", QuickTimeMp4(), true);
         add("mp4, moov to the end", "x.mp4", Damaged("bare.mp4", "moov", -4, 0), false);
         add("mp4, offsets of another kind", "x.mp4", QuickTimeMp4() + Atom("meta", Number(0) + Atom("iloc", "")),
             false);
-        add("mp4, ID3v1 behind it", "x.mp4", Sample("bare.mp4") + "TAG" + QByteArray(125, ' '), true);
+        add("mp4, ID3v1 behind it", "x.mp4", SampleBytes("bare.mp4") + "TAG" + QByteArray(125, ' '), true);
         add("mp4, a bit of a count", "x.mp4", Damaged("bare.mp4", "stco", 8, 1 + (1 << 5)), false, unreadable);
         add("mp4, atom longer than its holder", "x.mp4", Damaged("bare.mp4", "stsz", -4, 5000), false, unreadable);
         add("mp4, cut off", "x.mp4", QuickTimeMp4().chopped(100), false, unreadable);
@@ -264,12 +260,13 @@ private slots:
         add("aif, sound too short", "x.aif", Damaged("bare.aif", "SSND", 4, 500), false);
         add("aif, all too short", "x.aif", Damaged("bare.aif", "FORM", 4, 500), false);
 
-        add("flac, no sound", "x.flac", Sample("bare.flac").left(Sample("bare.flac").indexOf("\xff\xf8")), true);
+        add("flac, no sound", "x.flac", SampleBytes("bare.flac").left(SampleBytes("bare.flac").indexOf("\xff\xf8")),
+            true);
         add("flac, comment into the sound", "x.flac", Damaged("bare.flac", "reference", -8, 0x84000100), false);
         add("mp3, tag into the sound", "x.mp3", Damaged("full.mp3", "ID3", 6, 0x0958), false, fullTags);
         add("wv, tag into the sound", "x.wv", Damaged("full.wv", "APETAGEX", 12, 700, true), false);
         add("asf, header into the sound", "x.asf", Damaged("bare.asf", "\x30\x26\xb2\x75", 16, 700, true), false);
-        add("ogg, torn page", "x.ogg", Sample("bare.ogg").left(2700).replace(2640, 4, "Oops"), false);
+        add("ogg, torn page", "x.ogg", SampleBytes("bare.ogg").left(2700).replace(2640, 4, "Oops"), false);
     }
     void oddFiles()
     {
@@ -293,7 +290,7 @@ private slots:
     void stopsWhenToldTo()
     {
         // Sound of 14 MB, once moved and once where it was.
-        const QByteArray bytes = Sample("bare.flac"), sound = bytes.mid(bytes.size() / 2).repeated(16000);
+        const QByteArray bytes = SampleBytes("bare.flac"), sound = bytes.mid(bytes.size() / 2).repeated(16000);
         tags.path = In("x.flac");
         int asked = 0, answers = 0;
         tags.goOn = [&] { return ++asked <= answers; };
