@@ -7,19 +7,7 @@
 #include "tags/TagManager.h"
 #include "tests/Rows.h"
 
-#include <QAccessible>
-#include <QClipboard>
-#include <QComboBox>
-#include <QFileOpenEvent>
-#include <QGroupBox>
-#include <QHelpEvent>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMenu>
-#include <QPlainTextEdit>
-#include <QProgressBar>
-#include <QToolTip>
+#include <QtWidgets>
 
 #include <sys/stat.h>
 
@@ -164,6 +152,14 @@ private:
         Look(changes);
     }
 
+    /// A hundred files, which some work takes long enough for to be stopped.
+    static void PutHundred()
+    {
+        for (int i = 0; i < 100; ++i) {
+            const QString path = PutSample("bare.spx", Home(QString("in/%1.spx").arg(i)));
+            TagManager().WriteFile({"", "www.", "", "", "", "", path});
+        }
+    }
     bool IsAdding() const { return Status() == "Updating audio file list..."; }
     /// Does something once, at the first turn of the event loop at which @p when, if the timer still lives then.
     static std::unique_ptr<QTimer> Once(const std::function<bool()>& when, const std::function<void()>& action)
@@ -309,19 +305,16 @@ private slots:
         Put("full.flac", "lib/2.FLAC|lib/sub/3.flac");
         const QString buttons = "title=Search; ring=Search path|Browse|Search in subfolders|Search mask|OK|Cancel; "
                                 "buttonBrowse=Browse; buttonOK=OK; buttonCancel=Cancel; ";
-        const QString fill =
-            "comboSearchMask 3; checkSearchSubfolders; editSearchPath " + Home("lib").replace('/', '\\');
+        const QString path = Home("lib").replace('/', '\\');
         for (const char* key : {"OutputFolderPath", "AddFilesPath", "SearchFolderPath"})
             OpenSettings().setValue(key, QStringList{"a", "b"}); // garbage reads as the default
         OpenSettings().setValue("SearchMask", 10);
         STEP("buttonAdd File(s)", {Files("Select one or more files to open", {}, "Music")}, "");
         STEP("buttonAdd Search",
              {Shows(buttons + "editSearchPath=~/Music; checkSearchSubfolders=false; comboSearchMask=*.mp3",
-                    Fill(fill + "; buttonCancel"))},
+                    Fill("comboSearchMask 3; checkSearchSubfolders; editSearchPath " + path + "; buttonCancel"))},
              "[SearchFolderPath]=~/lib; [SearchSubfolders]=true; [SearchMask]=3");
-        STEP("buttonAdd Search",
-             {Shows(buttons + "editSearchPath=~/lib; checkSearchSubfolders=true; comboSearchMask=*.flac",
-                    Fill(fill + "; buttonOK"))},
+        STEP("buttonAdd Search", {Fill("checkSearchSubfolders; buttonOK")},
              "listAudioFiles=~/lib/2.FLAC; [SearchSubfolders]=false");
         const auto browse = [](QWidget* search) {
             Fill("buttonBrowse; buttonBrowse; checkSearchSubfolders")(search);
@@ -442,25 +435,18 @@ private slots:
 
     void wheel()
     {
-        const auto turn = [](const QObject& parent, const char* comboBox) {
-            auto* const box = Child<QComboBox>(parent, comboBox);
+        const auto turn = [box = Child<QComboBox>(*window, "comboRename")] {
             QWheelEvent wheel({1, 1}, box->mapToGlobal(QPoint(1, 1)), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
                               Qt::NoScrollPhase, false);
             QSpontaneKeyEvent::setSpontaneous(&wheel); // as from the system, by which a widget may get the focus
             qApp->notify(box, &wheel);
         };
         before = Now();
-        turn(*window, "comboOrganizeBy");
-        turn(*window, "comboRename");
+        turn();
         CHANGED("wheel without the focus", "");
         Child<QWidget>(*window, "comboRename")->setFocus();
-        turn(*window, "comboRename");
+        turn();
         CHANGED("wheel with the focus", "title=Orvanto*; comboRename=Artist-Title (Year)");
-        const Answer search = [turn](QWidget* dialog) {
-            turn(*dialog, "comboSearchMask");
-            Fill("buttonCancel")(dialog);
-        };
-        STEP("buttonAdd Search", {search}, "");
     }
 
     void takesPathsFromOutside()
@@ -498,11 +484,8 @@ private slots:
     {
         const QString folder = "Documents/Orvanto/Profiles", profile = "Documents/my.set.ovp";
         STEP("actionNew", {}, "[OutputFolderPath]=~/Music");
-        DO("comboOrganizeBy 1");
-        STEP("actionNew", {Yes(overwrite)}, "title=Orvanto");
         Put("full.mp3", "x/1.mp3");
-        DO("drop x/1.mp3; press 0");
-        STEP("actionNew", {No(overwrite)}, "");
+        DO("drop x/1.mp3; press 0; comboOrganizeBy 1");
         STEP("actionSave_Profile", {Files("Save profile", profile, folder)},
              "title=Orvanto - my.set; ~/Documents=my.set.ovp");
         const auto change = [this](int line, const char* act, const QString& changes,
@@ -549,12 +532,10 @@ private slots:
         STEP("actionSave_Profile_As", {Files("Save profile", "Documents/n.ovp", folder)},
              "title=Orvanto - n; ~/Documents=my.set.ovp|n.ovp");
         DO("comboOrganizeBy 4");
-        STEP("actionLoad_Profile", {No(loseSettings)}, "");
         STEP("actionLoad_Profile", {Yes(loseSettings), Files("Load profile", profile, folder)},
              "title=Orvanto - my.set; radioFixAuto=false; radioFixMan=true; checkOnlyEditInvalid=false; "
              "checkDeleteOriginal=true; comboOrganizeBy=Genre/Artist/Album; comboRename=Custom; "
              "editOutputPreview=~/Documents/G/A/L/T [x].mp3");
-        STEP("buttonOrganize", {No(deleteOriginals)}, "");
         // One that cannot be written is tried again, and saved into.
         DO("checkDeleteOriginal");
         QVERIFY(QFile::remove(Home(profile)) && QDir().mkdir(Home(profile)));
@@ -698,7 +679,6 @@ private slots:
             DemandSeen(Now().filter("textInfo"), info); // as it is in the file
         };
         const QString copied = "Processing 50% 100%; ~/out=", ogg = "A/A-T.ogg";
-        const QString songInfo = "textInfo=Artist: Ann|Title:  Song|Album: |Year: 0|Genre: |Track: 0";
         // An erased tag is in the file even if nothing else happens.
         DO("radioFixMan; checkOnlyEditInvalid");
         const QString untagged = every + song + "editArtist=; editTitle=";
@@ -706,16 +686,13 @@ private slots:
             "~/Documents=Orvanto/Orvanto.log", bareInfo);
         // Each file is asked about; what is skipped without artist and title is not copied.
         run(__LINE__,
-            {asks(untagged, busy, Fill("buttonSkip")), asks(every + whole, "", Fill("close")),
+            {asks(untagged, busy, Fill("editArtist Lost; buttonSkip")), asks(every + whole, "", Fill("close")),
              Warning("Could not copy the following:\n\n" + tags.path + '\n' + advice, "Log"), CloseSocial()},
             copied + ogg, bareInfo);
         DO("checkOnlyEditInvalid; radioFixAuto");
         OpenSettings().setValue("SkipSocial", 1);
-        run(__LINE__, {asks(repaired, busy, Fill("editArtist Lost; buttonSkip")), Success()},
-            copied + ogg + "|Ann/Ann- Song.mp3", songInfo);
-        DO("radioFixMan");
-        run(__LINE__, {asks(repaired, busy, Fill("editArtist New; editTitle Typed; buttonOK")), Success()},
-            copied + ogg + "|New/New-Typed.mp3", QString(songInfo).replace("Ann", "New").replace(" Song", "Typed"));
+        run(__LINE__, {asks(repaired, busy, Fill("editArtist New; buttonOK")), Success()},
+            copied + ogg + "|New/New- Song.mp3", "textInfo=Artist: New|Title:  Song|Album: |Year: 0|Genre: |Track: 0");
     }
 
     void reportsRuns()
@@ -780,6 +757,7 @@ private slots:
         DO("comboRename 0; comboOrganizeBy 0; checkDeleteOriginal; checkSkipOrganize; drop in");
         STEP("buttonOrganize", {Success()}, "~/Documents=Orvanto/Orvanto.log; Processing 100%; Updating 50%");
         DO("checkSkipOrganize; editOutputFolder " + Home("in//")); // they are their own copies
+        STEP("buttonOrganize", {No(deleteOriginals)}, "");
         STEP("buttonOrganize", {Yes(deleteOriginals), Success()}, "listAudioFiles=; Processing 50% 100%");
         DO("drop in; editOutputFolder " + Home("out"));
         STEP("buttonOrganize", {Yes(deleteOriginals), Success()},
@@ -806,11 +784,7 @@ private slots:
     void stopsInTheMiddle()
     {
         OpenSettings().setValue("SkipSocial", 1);
-        const auto tag = [](const QString& path) {
-            TagManager().WriteFile({"T", "www.", "L", "1999", "G", "7", path});
-        };
-        for (int i = 0; i < 100; ++i)
-            tag(PutSample("full.spx", Home(QString("in/%1.spx").arg(i))));
+        PutHundred();
         QVERIFY(QDir().mkpath(Home("empty/sub")));
         int turns = 0;
         const auto adds = [&] { return IsAdding() && ++turns > 20; };
@@ -848,7 +822,7 @@ private slots:
 
     void stopsInOneFile()
     {
-        const QByteArray sound = Bytes(TEST_DATA_DIR "/bare.mp3").repeated(10000);
+        const QByteArray sound = SampleBytes("bare.mp3").repeated(10000);
         PutBytes(Home("in/1.mp3"), sound);
         DO("drop in; press 0");
         const auto escape =
@@ -893,9 +867,7 @@ private slots:
 
     void endsInTheMiddle()
     {
-        for (int i = 0; i < 100; ++i)
-            TagManager().WriteFile(
-                {"", "www.", "", "", "", "", PutSample("bare.spx", Home(QString("in/%1.spx").arg(i)))});
+        PutHundred();
         for (const int turn : {1, 5, 50}) { // while the folder is being looked through, or its files read
             int turns = 0;
             const auto close = Once([&] { return IsAdding() && ++turns == turn; }, [&] { window->close(); });
@@ -921,7 +893,7 @@ private slots:
         ENDS("buttonOrganize", {leaves});
         // The desktop may end the program while it asks whether to stop.
         Open();
-        const auto escape = EscapeOnce([this] { return Status() == "Updating audio file list..."; });
+        const auto escape = EscapeOnce([this] { return IsAdding(); });
         ENDS("drop in", {leaves});
         Open();
         DO("drop in");

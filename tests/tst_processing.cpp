@@ -163,8 +163,6 @@ private slots:
         QCOMPARE(Short(asked), QString(row.asked));
         QCOMPARE(progress.join(' '), QString(row.progress));
         QCOMPARE(worker->end, QString(row.settings).contains("abort") ? RunEnd::Aborted : RunEnd::Complete);
-        const QStringList report = QStringList("Could not copy the following:\n") + worker->failedPaths;
-        QCOMPARE(worker->failureText, report.join('\n') + '\n');
     }
 
     void badSourcesAndDestinations()
@@ -184,22 +182,20 @@ private slots:
 
     void whatHasChangedSinceItWasCopiedStays()
     {
-        for (const char* file : {"1", "2", "3", "4", "5", "6"})
+        for (const char* file : {"1", "3", "4", "6"})
             Add(file);
         worker->files += worker->files.first(); // the same file, whose destination is there by then
         worker->files.last().Path = In("link/1.mp3");
         QVERIFY(link(QFile::encodeName(In("in/4.mp3")), QFile::encodeName(In("in/7.mp3"))) == 0);
         worker->files += {"T", "A", "L", "1999", "G", "7", In("in/7.mp3")};
-        PutSample("bare.mp3", In("out/5.mp3"));
         PutSample("bare.mp3", In("out/6.mp3")); // which stays
-        AfterFile(8, [this] {
+        AfterFile(6, [this] {
             QFile source(In("in/1.mp3"));
             QVERIFY(source.open(QIODevice::ReadWrite) && source.putChar('X'));
             QVERIFY(QFile::resize(In("out/3.mp3"), 100));
-            QVERIFY(QFile::remove(In("out/2.mp3")) && QFile::remove(In("out/5.mp3")));
         });
         Organise("0 0 out abort delete");
-        QCOMPARE(Left(), QString("failed: 1|2|3|5, left: 1|2|3|5|out/1|out/3|out/4|out/6|out/7"));
+        QCOMPARE(Left(), QString("failed: 1|3, left: 1|3|out/1|out/3|out/4|out/6|out/7"));
     }
 
     void whatFailedOnceStays()
@@ -224,21 +220,6 @@ private slots:
         AfterFile(1, [this] { QDir().mkpath(In("later/L")); }); // what a link leads to may be mounted in mid-run
         Organise("2 0 out abort delete");
         QCOMPARE(Left(), QString("failed: 2|3|4, left: 2|3|4|out/A/L/1"));
-    }
-
-    void stopsWhileItAsks() // and writes no further tag
-    {
-        Add("x;Year=0");
-        Add("y;Title=");
-        worker->settings = {0, 0, {}, false, false, true, In("out"), true};
-        worker->start();
-        QTRY_VERIFY(worker->waitingForDialog);
-        QElapsedTimer clock;
-        clock.start();
-        worker.reset();
-        QVERIFY2(clock.elapsed() < 1000, "the destructor hangs");
-        QCOMPARE(Tree(), QString("x|y"));
-        QCOMPARE(TagManager().ReadFile(In("in/y.mp3")).Title, QString());
     }
 };
 
