@@ -124,9 +124,14 @@ bool SFoundSignature::StartsWithinSound(TagLib::File& file) const
 {
     // In bytes: 160 kbit/s at 8 kHz, and a byte of padding (ISO/IEC 11172-3, 2.4.3.1, as MPEG 2.5 extends it).
     constexpr qint64 longestFrame = 2881;
-    for (qint64 at = qMax<qint64>(start - longestFrame, 0); !signature && at < start; ++at) {
-        const TagLib::MPEG::Header header(&file, static_cast<PieceStream::Offset>(at));
-        if (header.isValid() && at + header.frameLength() >= start)
+    if (signature)
+        return false;
+    const qint64 from = qMax<qint64>(start - longestFrame, 0);
+    file.seek(static_cast<PieceStream::Offset>(from));
+    const TagLib::ByteVector bytes = file.readBlock(static_cast<PieceStream::Length>(start - from));
+    for (int at = bytes.find('\xFF'); at >= 0; at = bytes.find('\xFF', static_cast<unsigned int>(at) + 1)) {
+        const TagLib::MPEG::Header header(&file, static_cast<PieceStream::Offset>(from + at));
+        if (header.isValid() && from + at + header.frameLength() >= start)
             return true;
     }
     return false;
