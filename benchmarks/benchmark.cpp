@@ -568,7 +568,7 @@ void MeasureSteps(const QString& place)
     for (std::size_t step = 0; step < 3; ++step) {
         const double half = Median(times[0].at(step)), whole = Median(times[1].at(step));
         Print(QString("worker: %1, 20,000 artists").arg(names[step]), "10,000",
-              QString::asprintf("%.3f / %.3f s", whole, half), whole / half, 2.5);
+              QString::asprintf("%.3f / %.3f s", whole, half), whole / half, 3);
     }
 }
 
@@ -621,7 +621,7 @@ void MeasureDisk(const QString&)
     sync();
     Compare(
         "batch-edit 60 files of 7 to 15 MB, texts fit", ours, "TagLib in place, flushed",
-        [&] { return SaveFlushed(album, ++edit % 2 ? "Even" : "Odd"); }, 2.5); // the bar is painted for each
+        [&] { return SaveFlushed(album, ++edit % 2 ? "Even" : "Odd"); }, 3); // the bar is painted for each
     const double before = MegabytesWritten();
     ours();
     const double written = MegabytesWritten() - before;
