@@ -9,7 +9,9 @@
 #include <QDir>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QFileOpenEvent>
 #include <QGroupBox>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -18,6 +20,8 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScreen>
+#include <QToolTip>
+#include <QWheelEvent>
 #include <QWindow>
 
 namespace
@@ -70,6 +74,15 @@ QString Name(QWidget* widget)
         ->text(QAccessible::Name);
 }
 
+/// Turns the wheel by one notch, towards the user.
+void TurnWheel(QWidget& widget)
+{
+    const QPoint middle = widget.rect().center();
+    QWheelEvent wheel(middle, widget.mapToGlobal(middle), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QSpontaneKeyEvent::setSpontaneous(&wheel); // as from the system, by which a widget may get the focus
+    qApp->notify(&widget, &wheel);
+}
 } // namespace
 
 void AtStep(const QString& act, const char* file, int line)
@@ -108,6 +121,8 @@ QStringList Visible(const QWidget& window)
 {
     static const QRegularExpression names("^(button|check|combo|edit|list|progress|radio|text)[A-Z]|Label$");
     QStringList seen{"title=" + window.windowTitle() + (window.isVisible() ? "" : " (closed)"), Ring(window)};
+    if (QToolTip::isVisible())
+        seen += "tip=" + QToolTip::text();
     for (auto* const widget : window.findChildren<QWidget*>()) {
         const QString name = widget->objectName();
         if (widget->window() != &window || !widget->isVisible())
@@ -198,6 +213,10 @@ void Do(QWidget& window, const QString& act)
     } else if (name == "keys") {
         for (const QString& key : rest.split(' '))
             QTest::keySequence(window.focusWidget(), QKeySequence(key));
+    } else if (name == "focus") {
+        Child<QWidget>(window, rest.toLatin1())->setFocus(Qt::TabFocusReason);
+    } else if (name == "wheel") {
+        TurnWheel(*Child<QWidget>(window, rest.toLatin1()));
     } else if (name.startsWith("combo")) {
         Choose(window, name, rest.toInt());
     } else if (name.startsWith("edit")) {
@@ -217,10 +236,18 @@ void Act(QWidget& window, const QString& act, QList<Answer> answers)
     Answers dialogs(answers);
     auto& list = *Child<QListWidget>(window, "listAudioFiles");
     const auto place = [&](int word) {
-        return list.visualItemRect(list.item(rest.section(' ', word, word).toInt())).center();
+        const QListWidgetItem* const item = list.item(rest.section(' ', word, word).toInt());
+        return item ? list.visualItemRect(item).center() : list.viewport()->rect().bottomLeft();
     };
     if (name == "drop") {
         DropOn(window, Paths(rest));
+    } else if (name == "open") {
+        for (const QString& path : Paths(rest))
+            QApplication::sendEvent(qApp, std::make_unique<QFileOpenEvent>(path).get());
+        QCoreApplication::processEvents();
+    } else if (name == "hover") {
+        QHelpEvent tip(QEvent::ToolTip, place(0), list.viewport()->mapToGlobal(place(0)));
+        QApplication::sendEvent(list.viewport(), &tip);
     } else if (name == "press" || name == "row") {
         QCursor::setPos(list.viewport()->mapToGlobal(place(0)));
         QTest::mouseClick(list.viewport(), name == "row" ? Qt::RightButton : Qt::LeftButton, {}, place(0));
@@ -402,9 +429,14 @@ Answer Warning(const QString& text, const QString& title)
     return Box(QMessageBox::Warning, text, QMessageBox::Ok, QMessageBox::Ok, title);
 }
 
+Answer Information(const QString& text)
+{
+    return Box(QMessageBox::Information, text, QMessageBox::Ok, QMessageBox::Ok);
+}
+
 Answer Success()
 {
-    return Box(QMessageBox::Information, "Operation finished successfully!", QMessageBox::Ok, QMessageBox::Ok);
+    return Information("Operation finished successfully!");
 }
 
 Answer Files(const QString& caption, const QString& paths, const QString& start)

@@ -40,7 +40,9 @@ Widget* Child(const QObject& parent, const char* name)
 /// Does one thing with a window, or with any dialog, as the user would:
 ///     editX TEXT      types it in place of what is there: "editTitle New"
 ///     comboX INDEX    chooses an entry: "comboRename 6"
+///     focus NAME      moves the focus, as the Tab key does: "focus editTitle"
 ///     keys NAMES      types keys, wherever the focus is: "keys Ctrl+L Down"
+///     wheel NAME      turns the wheel over it, towards the user: "wheel comboRename"
 ///     close           closes the window
 ///     NAME            clicks a button, a check box or a link: "buttonOK"
 void Do(QWidget& window, const QString& act);
@@ -56,8 +58,8 @@ void DropOn(QWidget& window, const QStringList& paths);
 /// "ring=" and the names, for a screen reader, of what the Tab key goes through in @p window.
 QString Ring(const QWidget& window);
 /// What @p window shows, as "name=value": every control's value, with "(off)" when it takes no input; its Ring(); "cut"
-/// and "unreadable" captions, for the eye and for a screen reader. "~" is the home folder, "|" ends a line, and ">"
-/// stands before a selected row: "listAudioFiles=>~/in/1.mp3|~/in/2.mp3 (off)".
+/// and "unreadable" captions, for the eye and for a screen reader; the "tip" at the pointer. "~" is the home folder,
+/// "|" ends a line, and ">" stands before a selected row: "listAudioFiles=>~/in/1.mp3|~/in/2.mp3 (off)".
 QStringList Visible(const QWidget& window);
 /// The paths that @p text names, separated by "|"; relative ones are in the home folder.
 QStringList Paths(const QString& text);
@@ -88,6 +90,8 @@ using Answer = std::function<void(QWidget*)>;
 /// Does one thing with the main window, gives @p answers to the dialogs that follow, and waits until the window is idle
 /// or closed. An act is one for Do(), or else:
 ///     drop PATHS      drops files and folders: "drop in/1.mp3|in/2.mp3"
+///     open PATHS      opens files and folders from the desktop
+///     hover ROW       rests the pointer on a row, or below the rows where there is no such row
 ///     press ROW       clicks a row; "double ROW" does so twice, and "drag ROW ROW" moves on to another
 ///     row ROW ENTRY   chooses from the menu of a row: "row 0 Edit Tags"
 ///     buttonX ENTRY   chooses from the menu of a button: "buttonAdd Folder"
@@ -122,6 +126,7 @@ Answer Box(QMessageBox::Icon icon, const QString& text, QMessageBox::StandardBut
            QMessageBox::StandardButton answer, const QString& title = QString());
 Answer Question(const QString& text, QMessageBox::StandardButton answer);
 Answer Warning(const QString& text, const QString& title = QString());
+Answer Information(const QString& text);
 /// Closes the box that a run without failures ends with.
 Answer Success();
 /// Accepts a file dialog with these Paths(), after comparing its caption and, if there is one, the folder that it

@@ -36,11 +36,10 @@ void Put(const QString& sample, const QString& paths)
 } // namespace
 
 /// The steps of a story, which ends at the first that fails. DO(ACTS) does one thing after another, STEP(ACTS, ANSWERS,
-/// CHANGES) compares afterwards all that changed by the last, CHANGED(ACT, CHANGES) what has changed since the last
-/// look.
+/// CHANGES) compares afterwards all that changed by the last, LOOK(CHANGES) what has changed since the last look.
 #define DO(...) TELL(Do(__LINE__, __VA_ARGS__))
 #define STEP(...) TELL(Step(__LINE__, __VA_ARGS__))
-#define CHANGED(...) TELL(Changed(__LINE__, __VA_ARGS__))
+#define LOOK(...) TELL(Look(__VA_ARGS__))
 #define ENDS(...) TELL(Ends(__LINE__, __VA_ARGS__))
 #define TELL(step)                                                                                                     \
     do {                                                                                                               \
@@ -71,10 +70,12 @@ private:
     }
     QListWidget& List() const { return *Child<QListWidget>(*window, "listAudioFiles"); }
     QPoint Place(int row) const { return List().visualItemRect(List().item(row)).center(); }
+    QString Focus() const { return window->focusWidget()->objectName(); }
     QString Status() const { return Child<QLabel>(*window, "textProgress")->text(); }
 
     void Open()
     {
+        AtStep("opening the window", __FILE__, __LINE__);
         window = std::make_unique<MainWindow>(nullptr);
         window->show();
         window->activateWindow();
@@ -125,11 +126,6 @@ private:
             seen.removeOne(line);
         moves.clear();
         DemandSeen(seen.replaceInStrings(Sandbox::Home(), "~"), expected);
-    }
-    void Changed(int line, const QString& act, const QString& expected)
-    {
-        AtStep(act, __FILE__, line);
-        Look(expected);
     }
 
     /// Does one thing after another, "ACT; ACT", as Act() does it.
@@ -194,10 +190,6 @@ private:
         connect(bar, &QProgressBar::valueChanged, once, type, Qt::QueuedConnection);
     }
 
-    static Answer Stopped()
-    {
-        return Box(QMessageBox::Information, "Operation stopped.", QMessageBox::Ok, QMessageBox::Ok);
-    }
     /// Answers the question whether to stop; what waits for the answer has changed nothing by then.
     Answer Stop(QMessageBox::StandardButton answer)
     {
@@ -245,17 +237,16 @@ private slots:
 
     void listsFiles()
     {
-        CHANGED("opening the window",
-                "title=Orvanto; listAudioFiles=; buttonAdd=Add; buttonRemove=Remove; buttonOrganize=Start      ; "
-                "comboOrganizeBy=Artist; comboRename=Artist-Title; checkSkipOrganize=false; radioFixAuto=true; "
-                "radioFixMan=false; checkOnlyEditInvalid=true (off); editOutputFolder=~/Music; "
-                "checkDeleteOriginal=false; buttonBrowseOutFold=Browse; textOutputPreview=Output Preview; "
-                "progressOrganize=0% (off); textProgress=; ~/Documents=; ~/Music=; ring=Files|Add|Remove|Organize "
-                "by|Rename|Skip "
-                "organizing (Only edit tags)|Incomplete/invalid tags will be fixed: Automatically (where possible)|"
-                "Incomplete/invalid tags will be fixed: Manually|Only edit incomplete/invalid tags|Output Folder|"
-                "Browse|Output Preview|Delete original files|Start; " +
-                    cleared);
+        LOOK("title=Orvanto; listAudioFiles=; buttonAdd=Add; buttonRemove=Remove; buttonOrganize=Start      ; "
+             "comboOrganizeBy=Artist; comboRename=Artist-Title; checkSkipOrganize=false; radioFixAuto=true; "
+             "radioFixMan=false; checkOnlyEditInvalid=true (off); editOutputFolder=~/Music; "
+             "checkDeleteOriginal=false; buttonBrowseOutFold=Browse; textOutputPreview=Output Preview; "
+             "progressOrganize=0% (off); textProgress=; ~/Documents=; ~/Music=; ring=Files|Add|Remove|Organize by|"
+             "Rename|Skip organizing (Only edit tags)|Incomplete/invalid tags will be fixed: Automatically (where "
+             "possible)|"
+             "Incomplete/invalid tags will be fixed: Manually|Only edit incomplete/invalid tags|Output Folder|"
+             "Browse|Output Preview|Delete original files|Start; " +
+             cleared);
         STEP("buttonOrganize", {Warning("There are no audio files to process.")}, "");
         window->setLayoutDirection(Qt::RightToLeft);
         QCoreApplication::processEvents();
@@ -337,13 +328,8 @@ private slots:
         Put("bare.wv", "x/3.wv");
         const QString preview = "editOutputPreview=~/Music/Artist/Artist-Title.";
         STEP("drop x/1.mp3|x/2.ogg|x/3.wv", {}, "listAudioFiles=~/x/1.mp3|~/x/2.ogg|~/x/3.wv; Updating 33% 66%");
-        const auto toolTip = [this](const QPoint& place) {
-            QHelpEvent help(QEvent::ToolTip, place, List().viewport()->mapToGlobal(place));
-            QApplication::sendEvent(List().viewport(), &help);
-            return QToolTip::text();
-        };
-        QCOMPARE(toolTip(List().viewport()->rect().bottomLeft()), QString()); // below the rows
-        QCOMPARE(toolTip(Place(1)), Home("x/2.ogg"));
+        STEP("hover 3", {}, ""); // below the rows
+        STEP("hover 1", {}, "tip=~/x/2.ogg");
         STEP("press 0", {},
              "listAudioFiles=>~/x/1.mp3|~/x/2.ogg|~/x/3.wv; editOutputPreview=~/Music/A/A-T.mp3; textInfo=Artist: "
              "A|Title: T|Album: L|Year: 1999|Genre: G|Track: 7");
@@ -409,75 +395,26 @@ private slots:
         QTEST(QString::number(List().row(List().selectedItems().value(0))), "selects");
     }
 
-    void keepsTheFocusNear_data()
-    {
-        const QString load = "actionLoad_Profile", skip = "checkSkipOrganize", fix = "radioFixAuto";
-        AddRows({"act", "focus"}, {{"comboOrganizeBy", load, skip},
-                                   {"comboRename", load, skip},
-                                   {"editOutputFolder", load, skip},
-                                   {"buttonBrowseOutFold", load, skip},
-                                   {"editOutputPreview", load, skip},
-                                   {"checkDeleteOriginal", load, skip},
-                                   {"checkOnlyEditInvalid", load, fix},
-                                   {"checkOnlyEditInvalid, New", "actionNew", fix},
-                                   {"listAudioFiles", load, "listAudioFiles"}});
-    }
-    void keepsTheFocusNear()
-    {
-        QFETCH(QString, act);
-        PutBytes(Home("p.ovp"), "1\n2\n\n1\n0\n1\n/\n0\n");
-        DO("radioFixMan");
-        Child<QWidget>(*window, QByteArray(QTest::currentDataTag()).split(',').first())->setFocus();
-        DO(act, act == "actionNew" ? QList<Answer>{Yes(overwrite)}
-                                   : QList<Answer>{Yes(loseSettings), Files("Load profile", "p.ovp")});
-        QTEST(window->focusWidget()->objectName(), "focus");
-    }
-
-    void wheel()
-    {
-        const auto turn = [box = Child<QComboBox>(*window, "comboRename")] {
-            QWheelEvent wheel({1, 1}, box->mapToGlobal(QPoint(1, 1)), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
-                              Qt::NoScrollPhase, false);
-            QSpontaneKeyEvent::setSpontaneous(&wheel); // as from the system, by which a widget may get the focus
-            qApp->notify(box, &wheel);
-        };
-        before = Now();
-        turn();
-        CHANGED("wheel without the focus", "");
-        Child<QWidget>(*window, "comboRename")->setFocus();
-        turn();
-        CHANGED("wheel with the focus", "title=Orvanto*; comboRename=Artist-Title (Year)");
-    }
-
     void takesPathsFromOutside()
     {
-        auto* const folder = Child<QLineEdit>(*window, "editOutputFolder");
         for (const char* edit : {"editOutputFolder", "editOutputPreview"})
             QVERIFY2(!Child<QLineEdit>(*window, edit)->acceptDrops(), edit);
         connect(static_cast<NativeLookingApplication*>(qApp), &NativeLookingApplication::OpenRequested, window.get(),
                 &MainWindow::OpenPaths);
-        const auto open = [](const QString& paths) {
-            for (const QString& path : Paths(paths))
-                QApplication::sendEvent(qApp, std::make_unique<QFileOpenEvent>(path).get());
-            QCoreApplication::processEvents();
-        };
         Put("full.mp3", "in/1.mp3|2.mp3");
-        folder->setFocus();
-        before = Now();
-        open("missing.mp3|/dev/null|2.mp3|in");
-        CHANGED("opening from outside", "listAudioFiles=~/in/1.mp3|~/2.mp3; Updating 50%");
-        QVERIFY(folder->hasFocus());
         PutBytes(Home("p.ovp"), "");
-        open("p.ovp|2.mp3");
-        CHANGED("opening a profile among files", "Updating 50%");
-        open("p.ovp");
-        Answers dialogs({Warning("Could not load profile."), No(loseSettings)});
-        open("missing.ovp");
-        QCOMPARE(window->windowTitle(), QString("Orvanto - p"));
-        open("p.ovp"); // from here on, changes are marked again
-        DO("checkDeleteOriginal");
-        open("p.ovp");
-        dialogs.Finish();
+        DO("focus editOutputFolder");
+        STEP("open missing.mp3|/dev/null|2.mp3|in", {}, "listAudioFiles=~/in/1.mp3|~/2.mp3; Updating 50%");
+        STEP("open p.ovp|2.mp3", {}, "Updating 50%"); // a profile among files
+        STEP("open p.ovp", {},
+             "title=Orvanto - p; comboOrganizeBy=Don't organize; comboRename=Original name; editOutputFolder=; "
+             "checkOnlyEditInvalid=false (off)");
+        STEP("open missing.ovp", {Warning("Could not load profile.")}, "");
+        QCOMPARE(Focus(), QString("editOutputFolder"));
+        DO("open p.ovp; checkDeleteOriginal"); // from here on, changes are marked again
+        STEP("wheel comboRename", {}, ""); // without the focus, the wheel was meant for something else
+        STEP("focus comboRename; wheel comboRename", {}, "title=Orvanto*; comboRename=Artist-Title (Year)");
+        STEP("open p.ovp", {No(loseSettings)}, "");
     }
 
     void keepsSettingsInProfiles()
@@ -499,7 +436,7 @@ private slots:
                          Fill("editRenameScheme " + typed));
         };
         change(__LINE__, "comboOrganizeBy 10",
-               "comboOrganizeBy=Genre/Artist/Album; editOutputPreview=~/Music/G/A/L/A-T.mp3");
+               "comboOrganizeBy=Genre/Artist/Album; editOutputPreview=~/Music/G/A/L/A-T (1999).mp3");
         change(__LINE__, "comboRename 6", "comboRename=Custom; editOutputPreview=~/Music/G/A/L/7 A-T (L, 1999, G).mp3",
                {rename("[Title].; buttonCancel")});
         change(__LINE__, "comboRename 6", "editOutputPreview=~/Music/G/A/L/T [x].mp3",
@@ -507,28 +444,27 @@ private slots:
         change(__LINE__, "editOutputFolder C:\\a=b\\",
                "editOutputFolder=C:\\a=b\\; [OutputFolderPath]=C:/a=b/; editOutputPreview=C:/a=b/G/A/L/T [x].mp3");
         QApplication::clipboard()->setText("/p\r\n/q\n");
-        Child<QLineEdit>(*window, "editOutputFolder")->setFocus();
-        change(__LINE__, "keys Ctrl+A Ctrl+V",
+        change(__LINE__, "focus editOutputFolder; keys Ctrl+A Ctrl+V",
                "editOutputFolder=/p/q; [OutputFolderPath]=/p/q; editOutputPreview=/p/q/G/A/L/T [x].mp3");
         change(__LINE__, "buttonBrowseOutFold",
                "editOutputFolder=~/Documents; [OutputFolderPath]=~/Documents; editOutputPreview=~/Documents/G/A/L/T "
                "[x].mp3",
                {Files("Select folder", "Documents")});
         change(__LINE__, "buttonBrowseOutFold", "", {Files("Select folder", {}, "Documents")});
+        change(__LINE__, "checkOnlyEditInvalid", "checkOnlyEditInvalid=false");
         const QString outputs =
             "comboOrganizeBy=Genre/Artist/Album; comboRename=Custom; editOutputFolder=~/Documents; "
             "buttonBrowseOutFold=Browse; checkDeleteOriginal=false; editOutputPreview=~/Documents/G/A/L/T [x].mp3; ";
         change(__LINE__, "checkSkipOrganize", QString(outputs).replace("; ", " (off); ") + "checkSkipOrganize=true");
         change(__LINE__, "checkSkipOrganize", outputs + "checkSkipOrganize=false");
         change(__LINE__, "radioFixMan", "radioFixAuto=false; radioFixMan=true; checkOnlyEditInvalid=true");
-        change(__LINE__, "checkOnlyEditInvalid", "checkOnlyEditInvalid=false");
         change(__LINE__, "checkDeleteOriginal", "checkDeleteOriginal=true");
         STEP("actionNew", {No(overwrite)}, "");
         STEP("actionNew", {Yes(overwrite)},
              "title=Orvanto; comboOrganizeBy=Artist; comboRename=Artist-Title; radioFixAuto=true; radioFixMan=false; "
              "checkOnlyEditInvalid=true (off); checkDeleteOriginal=false; " +
                  cleared + "~/Documents/A/A-T.mp3");
-        STEP("actionSave_Profile", {Files("Save profile", {}, folder)}, "");
+        QCOMPARE(Focus(), QString("radioFixAuto")); // its neighbour takes no input any more
         STEP("actionSave_Profile_As", {Files("Save profile", "Documents/n.ovp", folder)},
              "title=Orvanto - n; ~/Documents=my.set.ovp|n.ovp");
         DO("comboOrganizeBy 4");
@@ -542,10 +478,12 @@ private slots:
         STEP("actionSave_Profile", {Warning("Could not save profile.")}, "");
         QVERIFY(QDir().rmdir(Home(profile)));
         STEP("actionSave_Profile", {}, "title=Orvanto - my.set; ~/Documents=my.set.ovp|n.ovp");
+        DO("focus editOutputFolder");
         QVERIFY(Bytes(Home(profile)).endsWith("\ndeleteOriginal=0\n"));
 
         // After a dialog that was cancelled, changes are not marked until a profile is loaded.
         STEP("actionLoad_Profile", {Files("Load profile", {}, folder)}, "");
+        QCOMPARE(Focus(), QString("checkSkipOrganize"));
         STEP("radioFixAuto", {}, "radioFixAuto=true; radioFixMan=false; checkOnlyEditInvalid=false (off)");
         // Indices outside the tables are kept and harm nobody, and a custom scheme is not asked for.
         PutBytes(Home(profile), "o=99\nr=6\n=[Title]\n1\n2\n\n=/o=\r\n1");
@@ -768,16 +706,14 @@ private slots:
     {
         DO("checkDeleteOriginal");
         ENDS("close", {Unsaved(QMessageBox::Escape)}, false);
-        CHANGED("answering with Escape", "");
-        ENDS("close", {Unsaved(QMessageBox::Cancel)}, false);
-        CHANGED("cancelling", "");
+        LOOK("");
         ENDS("close", {Unsaved(QMessageBox::No)});
         window->show();
         ENDS("close", {Unsaved(QMessageBox::Yes), Files("Save profile")}); // cancelling that does not keep us
-        CHANGED("saving nothing", "title=Orvanto* (closed)");
+        LOOK("title=Orvanto* (closed)");
         window->show();
         ENDS("actionExit", {Unsaved(QMessageBox::Yes), Files("Save profile", "Documents/p.ovp")});
-        CHANGED("saving a profile", "title=Orvanto - p (closed); ~/Documents=p.ovp");
+        LOOK("title=Orvanto - p (closed); ~/Documents=p.ovp");
         ENDS("close", {});
     }
 
@@ -814,7 +750,7 @@ private slots:
 
         DO("comboRename 0; comboOrganizeBy 0; editOutputFolder " + Home("out"));
         escape = EscapeOnce([=] { return artist(50).isEmpty(); });
-        DO("buttonOrganize", {Stop(QMessageBox::Yes), Stopped()});
+        DO("buttonOrganize", {Stop(QMessageBox::Yes), Information("Operation stopped.")});
         QCOMPARE(artist(99), QString("www.1"));
         QVERIFY(!QFile::exists(Home("out")));
         QVERIFY(Bytes(Home("Documents/Orvanto/Orvanto.log")).contains("\n\nOperation stopped.\n---"));
@@ -846,7 +782,7 @@ private slots:
             Stop(QMessageBox::Yes)(question);
         };
         EscapeAtStart();
-        DO("buttonOrganize", {loses, Stopped()});
+        DO("buttonOrganize", {loses, Information("Operation stopped.")});
         QVERIFY(!QFile::exists(Home("out")));
         QCOMPARE(List().count(), 2); // the files that are still there
         // The tag editor waits for the answer.
