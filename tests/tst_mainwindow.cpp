@@ -248,11 +248,6 @@ private slots:
              "Browse|Output Preview|Delete original files|Start; " +
              cleared);
         STEP("buttonOrganize", {Warning("There are no audio files to process.")}, "");
-        window->setLayoutDirection(Qt::RightToLeft);
-        QCoreApplication::processEvents();
-        const QRect settings = Child<QGroupBox>(*window, "groupBox_4")->geometry();
-        QVERIFY(!settings.intersects(Child<QGroupBox>(*window, "groupBox_3")->geometry()));
-        window->setLayoutDirection(Qt::LeftToRight);
 
         Put("full.mp3", "lib/b.mp3|lib/b2.mp3|lib/notes.txt|lib/b.mp3.bak|lib/nodot|lib/.hidden/e.wv|late/l.mp3");
         Put("full.wav", "lib/a.MP3");
@@ -275,9 +270,8 @@ private slots:
              all + "; Updating 16% 33% 50% 66% 83%");
         STEP("buttonAdd File(s)", {Files(files, "lib/notes.txt|lib/b.mp3|other/f.spx|other/f.spx", "Music")},
              all + "|~/other/f.spx; [AddFilesPath]=~/lib; Updating" + seven);
-        STEP("buttonAdd File(s)", {Files(files, "lib/pipe.mp3")},
+        STEP("buttonAdd File(s)", {Files(files, "lib/pipe.mp3", "lib")},
              all + "|~/other/f.spx|~/lib/pipe.mp3; Updating 12% 25% 37% 50% 62% 75% 87%");
-        STEP("buttonAdd File(s)", {Files(files, {}, "lib")}, "");
 
         const QString removeAll = "Are you sure you want to remove all the files in the list?";
         DO("press 0");
@@ -364,7 +358,6 @@ private slots:
                 {{"the only row, Down", "in/0.mp3", "Down", "", "0"},
                  {"the only row, End", "in/0.mp3", "End", "", "0"},
                  {"Page Down", "in", "Down PgDown", "", "2"},
-                 {"the second row", "in", "Down Down", "", "1"},
                  {"Ctrl and Space keep it", "in", "End Ctrl+Space", "", "2"},
                  {"the menu of the second row", "in", "Down Down Menu", "Edit Tags 1", "1"},
                  {"the menu of the last row", "in", "End Shift+F10", "Edit Tags 2", "2"},
@@ -412,8 +405,6 @@ private slots:
         STEP("open missing.ovp", {Warning("Could not load profile.")}, "");
         QCOMPARE(Focus(), QString("editOutputFolder"));
         DO("open p.ovp; checkDeleteOriginal"); // from here on, changes are marked again
-        STEP("wheel comboRename", {}, ""); // without the focus, the wheel was meant for something else
-        STEP("focus comboRename; wheel comboRename", {}, "title=Orvanto*; comboRename=Artist-Title (Year)");
         STEP("open p.ovp", {No(loseSettings)}, "");
     }
 
@@ -421,6 +412,8 @@ private slots:
     {
         const QString folder = "Documents/Orvanto/Profiles", profile = "Documents/my.set.ovp";
         STEP("actionNew", {}, "[OutputFolderPath]=~/Music");
+        STEP("wheel comboRename", {}, ""); // without the focus, the wheel was meant for something else
+        STEP("focus comboRename; wheel comboRename", {}, "title=Orvanto*; comboRename=Artist-Title (Year)");
         Put("full.mp3", "x/1.mp3");
         DO("drop x/1.mp3; press 0; comboOrganizeBy 1");
         STEP("actionSave_Profile", {Files("Save profile", profile, folder)},
@@ -451,7 +444,6 @@ private slots:
                "[x].mp3",
                {Files("Select folder", "Documents")});
         change(__LINE__, "buttonBrowseOutFold", "", {Files("Select folder", {}, "Documents")});
-        change(__LINE__, "checkOnlyEditInvalid", "checkOnlyEditInvalid=false");
         const QString outputs =
             "comboOrganizeBy=Genre/Artist/Album; comboRename=Custom; editOutputFolder=~/Documents; "
             "buttonBrowseOutFold=Browse; checkDeleteOriginal=false; editOutputPreview=~/Documents/G/A/L/T [x].mp3; ";
@@ -459,6 +451,7 @@ private slots:
         change(__LINE__, "checkSkipOrganize", outputs + "checkSkipOrganize=false");
         change(__LINE__, "radioFixMan", "radioFixAuto=false; radioFixMan=true; checkOnlyEditInvalid=true");
         change(__LINE__, "checkDeleteOriginal", "checkDeleteOriginal=true");
+        change(__LINE__, "checkOnlyEditInvalid", "checkOnlyEditInvalid=false");
         STEP("actionNew", {No(overwrite)}, "");
         STEP("actionNew", {Yes(overwrite)},
              "title=Orvanto; comboOrganizeBy=Artist; comboRename=Artist-Title; radioFixAuto=true; radioFixMan=false; "
@@ -478,33 +471,30 @@ private slots:
         STEP("actionSave_Profile", {Warning("Could not save profile.")}, "");
         QVERIFY(QDir().rmdir(Home(profile)));
         STEP("actionSave_Profile", {}, "title=Orvanto - my.set; ~/Documents=my.set.ovp|n.ovp");
-        DO("focus editOutputFolder");
         QVERIFY(Bytes(Home(profile)).endsWith("\ndeleteOriginal=0\n"));
 
         // After a dialog that was cancelled, changes are not marked until a profile is loaded.
         STEP("actionLoad_Profile", {Files("Load profile", {}, folder)}, "");
-        QCOMPARE(Focus(), QString("checkSkipOrganize"));
         STEP("radioFixAuto", {}, "radioFixAuto=true; radioFixMan=false; checkOnlyEditInvalid=false (off)");
         // Indices outside the tables are kept and harm nobody, and a custom scheme is not asked for.
         PutBytes(Home(profile), "o=99\nr=6\n=[Title]\n1\n2\n\n=/o=\r\n1");
+        DO("focus editOutputFolder");
         STEP("actionLoad_Profile", {Files("Load profile", profile)},
              "comboOrganizeBy= (off); comboRename=Custom (off); checkSkipOrganize=true; editOutputFolder=/o=\r (off); "
              "checkDeleteOriginal=true (off); buttonBrowseOutFold=Browse (off); editOutputPreview=/o=\r/T.mp3 (off); "
              "radioFixAuto=false; radioFixMan=true; checkOnlyEditInvalid=false");
+        QCOMPARE(Focus(), QString("checkSkipOrganize"));
         STEP("radioFixAuto", {},
              "title=Orvanto - my.set*; radioFixAuto=true; radioFixMan=false; checkOnlyEditInvalid=false (off)");
     }
 
     void readsOlderSettings()
     {
-        const QString folder = "/Müsik/日";
-        OpenSettings().setValue("OutputFolderPath", folder);
         const QString store = OpenSettings().fileName();
         if (!store.endsWith(".conf"))
-            return;                                     // there, the store is no text file
-        QVERIFY(Bytes(store).contains("=/Müsik/日\n")); // which every later Qt reads
-        PutBytes(store, "[General]\nOutputFolderPath=/M\\xfcsik/\\x65e5\n");
-        QCOMPARE(StoredFolder(SettingsKey::outputFolder), folder);
+            return; // there, the store is no text file
+        PutBytes(store, "[General]\nOutputFolderPath=/Müsik/\\x65e5\n");
+        QCOMPARE(StoredFolder(SettingsKey::outputFolder), QString("/Müsik/日"));
     }
 
     void editsTags()
@@ -550,12 +540,10 @@ private slots:
 
     void startsWhereTheGapIs_data()
     {
-        AddRows({"mode", "tags", "focus"}, {{"artist", "0", "|T|L|1999|G|7", "editArtist"},
-                                            {"first of two", "1", "A||L|1999||7", "editTitle"},
+        AddRows({"mode", "tags", "focus"}, {{"first of two", "1", "A||L|1999||7", "editTitle"},
                                             {"unknown", "0", "A|T|Unknown|1999|G|7", "editAlbum"},
                                             {"no year", "0", "A|T|L|0|G|7", "editYear"},
                                             {"emptied year", "1", "A|T|L||G|7", "editYear"},
-                                            {"no track", "0", "A|T|L|1999|G|0", "editTrack"},
                                             {"no gap", "1", "A|T|L|1999|G|7", "editArtist"},
                                             {"not in a run", "2", "A||L|1999|G|7", "editArtist"}});
     }
@@ -577,12 +565,10 @@ private slots:
 
     void runs()
     {
-        Put("bare.mp3", "in/Ann - Song.mp3");
+        const QString path = PutSample("bare.mp3", Home("in/Ann - Song.mp3"));
+        TagManager().WriteFile({"", "", "", "", "www.spam.com", "", path}); // is erased before the editor shows it
         Put("full.mp3", "late/l.mp3");
         Put("full.ogg", "in/z.ogg");
-        TagManager tags;
-        tags.path = Home("in/Ann - Song.mp3");
-        tags.SetInfo(Tag::Genre, "www.spam.com"); // is erased before the editor shows it
         DO("drop in/Ann - Song.mp3|in/z.ogg; editOutputFolder " + Home("out//"));
 
         const QString every =
@@ -625,7 +611,7 @@ private slots:
         // Each file is asked about; what is skipped without artist and title is not copied.
         run(__LINE__,
             {asks(untagged, busy, Fill("editArtist Lost; buttonSkip")), asks(every + whole, "", Fill("close")),
-             Warning("Could not copy the following:\n\n" + tags.path + '\n' + advice, "Log"), CloseSocial()},
+             Warning("Could not copy the following:\n\n" + path + '\n' + advice, "Log"), CloseSocial()},
             copied + ogg, bareInfo);
         DO("checkOnlyEditInvalid; radioFixAuto");
         OpenSettings().setValue("SkipSocial", 1);
@@ -760,8 +746,7 @@ private slots:
         const QByteArray sound = SampleBytes("bare.mp3").repeated(10000);
         PutBytes(Home("in/1.mp3"), sound);
         DO("drop in; press 0");
-        const auto escape =
-            EscapeOnce([] { return QDir(Home("in")).entryList(QDir::Files | QDir::Hidden).size() > 1; });
+        const auto escape = EscapeOnce([] { return FilesBelow(Home("in")).size() > 1; });
         DO("row 0 Batch Edit Tags", {Fill("editArtist New; buttonOK"), Yes(applyTags), Stop(QMessageBox::Yes)});
         QVERIFY(Bytes(Home("in/1.mp3")) == sound);
         DemandSeen(Now().filter("textInfo"), bareInfo); // as it is in the file
