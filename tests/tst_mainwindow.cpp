@@ -69,7 +69,6 @@ private:
                    QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, answer);
     }
     QListWidget& List() const { return *Child<QListWidget>(*window, "listAudioFiles"); }
-    QPoint Place(int row) const { return List().visualItemRect(List().item(row)).center(); }
     QString Focus() const { return window->focusWidget()->objectName(); }
     QString Status() const { return Child<QLabel>(*window, "textProgress")->text(); }
 
@@ -214,14 +213,10 @@ private:
     }
 
 private slots:
-    void initTestCase()
-    {
-        QApplication::setFont(QFont(QApplication::font().family(), 14)); // every caption has to fit
-    }
-
     void init()
     {
         Sandbox::Reset();
+        QApplication::setFont(QFont(QApplication::font().family(), 14)); // every caption has to fit
         outside = std::make_unique<Outside>();
         before.clear();
         moves.clear();
@@ -357,7 +352,6 @@ private slots:
         AddRows({"files", "keys", "opens", "selects"},
                 {{"the only row, Down", "in/0.mp3", "Down", "", "0"},
                  {"the only row, End", "in/0.mp3", "End", "", "0"},
-                 {"Page Down", "in", "Down PgDown", "", "2"},
                  {"Ctrl and Space keep it", "in", "End Ctrl+Space", "", "2"},
                  {"the menu of the second row", "in", "Down Down Menu", "Edit Tags 1", "1"},
                  {"the menu of the last row", "in", "End Shift+F10", "Edit Tags 2", "2"},
@@ -423,30 +417,28 @@ private slots:
             Step(line, act, answers, "title=Orvanto - my.set*; " + changes);
             Step(line, "actionSave_Profile", {}, "title=Orvanto - my.set");
         };
-        const auto rename = [](const QString& typed) {
-            return Shows("title=Custom Rename; ring=Rename scheme|OK|Cancel; buttonOK=OK; buttonCancel=Cancel; "
-                         "editRenameScheme=[Track] [Artist]-[Title] ([Album], [Year], [Genre])",
-                         Fill("editRenameScheme " + typed));
-        };
+        const Answer cancels =
+            Shows("title=Custom Rename; ring=Rename scheme|OK|Cancel; buttonOK=OK; buttonCancel=Cancel; "
+                  "editRenameScheme=[Track] [Artist]-[Title] ([Album], [Year], [Genre])",
+                  Fill("editRenameScheme [Title].; buttonCancel"));
         change(__LINE__, "comboOrganizeBy 10",
                "comboOrganizeBy=Genre/Artist/Album; editOutputPreview=~/Music/G/A/L/A-T (1999).mp3");
         change(__LINE__, "comboRename 6", "comboRename=Custom; editOutputPreview=~/Music/G/A/L/7 A-T (L, 1999, G).mp3",
-               {rename("[Title].; buttonCancel")});
+               {cancels});
         change(__LINE__, "comboRename 6", "editOutputPreview=~/Music/G/A/L/T [x].mp3",
-               {rename("[Title] [x]; buttonOK")});
+               {Fill("editRenameScheme [Title] [x]; buttonOK")});
         change(__LINE__, "editOutputFolder C:\\a=b\\",
                "editOutputFolder=C:\\a=b\\; [OutputFolderPath]=C:/a=b/; editOutputPreview=C:/a=b/G/A/L/T [x].mp3");
         QApplication::clipboard()->setText("/p\r\n/q\n");
         change(__LINE__, "focus editOutputFolder; keys Ctrl+A Ctrl+V",
                "editOutputFolder=/p/q; [OutputFolderPath]=/p/q; editOutputPreview=/p/q/G/A/L/T [x].mp3");
         change(__LINE__, "buttonBrowseOutFold",
-               "editOutputFolder=~/Documents; [OutputFolderPath]=~/Documents; editOutputPreview=~/Documents/G/A/L/T "
-               "[x].mp3",
-               {Files("Select folder", "Documents")});
-        change(__LINE__, "buttonBrowseOutFold", "", {Files("Select folder", {}, "Documents")});
+               "editOutputFolder=~/x; [OutputFolderPath]=~/x; editOutputPreview=~/x/G/A/L/T [x].mp3",
+               {Files("Select folder", "x")});
+        change(__LINE__, "buttonBrowseOutFold", "", {Files("Select folder", {}, "x")});
         const QString outputs =
-            "comboOrganizeBy=Genre/Artist/Album; comboRename=Custom; editOutputFolder=~/Documents; "
-            "buttonBrowseOutFold=Browse; checkDeleteOriginal=false; editOutputPreview=~/Documents/G/A/L/T [x].mp3; ";
+            "comboOrganizeBy=Genre/Artist/Album; comboRename=Custom; editOutputFolder=~/x; "
+            "buttonBrowseOutFold=Browse; checkDeleteOriginal=false; editOutputPreview=~/x/G/A/L/T [x].mp3; ";
         change(__LINE__, "checkSkipOrganize", QString(outputs).replace("; ", " (off); ") + "checkSkipOrganize=true");
         change(__LINE__, "checkSkipOrganize", outputs + "checkSkipOrganize=false");
         change(__LINE__, "radioFixMan", "radioFixAuto=false; radioFixMan=true; checkOnlyEditInvalid=true");
@@ -456,7 +448,7 @@ private slots:
         STEP("actionNew", {Yes(overwrite)},
              "title=Orvanto; comboOrganizeBy=Artist; comboRename=Artist-Title; radioFixAuto=true; radioFixMan=false; "
              "checkOnlyEditInvalid=true (off); checkDeleteOriginal=false; " +
-                 cleared + "~/Documents/A/A-T.mp3");
+                 cleared + "~/x/A/A-T.mp3");
         QCOMPARE(Focus(), QString("radioFixAuto")); // its neighbour takes no input any more
         STEP("actionSave_Profile_As", {Files("Save profile", "Documents/n.ovp", folder)},
              "title=Orvanto - n; ~/Documents=my.set.ovp|n.ovp");
@@ -464,7 +456,7 @@ private slots:
         STEP("actionLoad_Profile", {Yes(loseSettings), Files("Load profile", profile, folder)},
              "title=Orvanto - my.set; radioFixAuto=false; radioFixMan=true; checkOnlyEditInvalid=false; "
              "checkDeleteOriginal=true; comboOrganizeBy=Genre/Artist/Album; comboRename=Custom; "
-             "editOutputPreview=~/Documents/G/A/L/T [x].mp3");
+             "editOutputPreview=~/x/G/A/L/T [x].mp3");
         // One that cannot be written is tried again, and saved into.
         DO("checkDeleteOriginal");
         QVERIFY(QFile::remove(Home(profile)) && QDir().mkdir(Home(profile)));
@@ -484,8 +476,6 @@ private slots:
              "checkDeleteOriginal=true (off); buttonBrowseOutFold=Browse (off); editOutputPreview=/o=\r/T.mp3 (off); "
              "radioFixAuto=false; radioFixMan=true; checkOnlyEditInvalid=false");
         QCOMPARE(Focus(), QString("checkSkipOrganize"));
-        STEP("radioFixAuto", {},
-             "title=Orvanto - my.set*; radioFixAuto=true; radioFixMan=false; checkOnlyEditInvalid=false (off)");
     }
 
     void readsOlderSettings()
@@ -499,18 +489,16 @@ private slots:
 
     void editsTags()
     {
-        const QString first = Home("x/1<i>.mp3"), last = Home("x/a.wav");
+        const QString first = Home("x/1<i>.mp3");
         Put("full.mp3", "x/1<i>.mp3|late/l.mp3"); // no markup
         Put("bare.spx", "x/0.spx");
         Put("bare.wav", "x/a.wav|x/b.wav|x/c.wav|x/d.wav|x/e.wav|x/f.wav|x/g.wav|x/h.wav");
         DO("drop x; press 1");
-        const QByteArray untouched = Bytes(first);
         const QString one = "title=Edit Tags; ring=Online Tag Search|Artist|Title|Album|Year|Genre|Track|OK|Cancel|"
                             "Play in iTunes; fileLabel=Audio file:; textFilePath=~/x/1<i>.mp3; buttonPlay=Play in "
                             "iTunes; buttonOnlineSearch=Online Tag Search; buttonOK=OK; buttonAbort=Cancel; "
                             "editArtist=A; editTitle=T; editAlbum=L; editYear=1999; editGenre=G; editTrack=7";
         STEP("row 1 Edit Tags", {Shows(one, Fill("editTitle New; buttonAbort"))}, "");
-        QVERIFY(Bytes(first) == untouched);
         const QString texts =
             "editArtist Ann; editTitle New; editAlbum LP ; editYear MCM; editGenre Pop; editTrack 8; buttonOK";
         STEP("row 1 Edit Tags", {Fill(texts)},
@@ -525,7 +513,6 @@ private slots:
                   Fill("editGenre; editArtist All; buttonOK"));
         STEP("row 1 Batch Edit Tags", {Fill("editArtist All; buttonAbort")}, "");
         STEP("row 1 Batch Edit Tags", {fill, No(applyTags)}, "");
-        QCOMPARE(Artist(first), QString("Ann"));
         const auto middle = [&] { return Artist(first) == "All"; }; // of the change: the window takes nothing
         const auto drop = Once(middle, [this] {
             DropOn(*window, Paths("late"));
@@ -535,14 +522,12 @@ private slots:
              "editOutputPreview=~/Music/All/All-New.mp3; textInfo=Artist: All|Title: New|Album: LP |Year: MCM|Genre: "
              "|Track: 8; Writing 10% 20% 30% 40% 50% 60% 70% 80% 90% 100%");
         QVERIFY(!drop->isActive());
-        QCOMPARE(Artist(last), QString("All"));
     }
 
     void startsWhereTheGapIs_data()
     {
         AddRows({"mode", "tags", "focus"}, {{"first of two", "1", "A||L|1999||7", "editTitle"},
                                             {"unknown", "0", "A|T|Unknown|1999|G|7", "editAlbum"},
-                                            {"no year", "0", "A|T|L|0|G|7", "editYear"},
                                             {"emptied year", "1", "A|T|L||G|7", "editYear"},
                                             {"no gap", "1", "A|T|L|1999|G|7", "editArtist"},
                                             {"not in a run", "2", "A||L|1999|G|7", "editArtist"}});
@@ -738,7 +723,6 @@ private slots:
         DO("buttonOrganize", {Stop(QMessageBox::Yes), Information("Operation stopped.")});
         QCOMPARE(artist(99), QString("www.1"));
         QVERIFY(!QFile::exists(Home("out")));
-        QVERIFY(Bytes(Home("Documents/Orvanto/Orvanto.log")).contains("\n\nOperation stopped.\n---"));
     }
 
     void stopsInOneFile()
@@ -781,8 +765,7 @@ private slots:
         Click(*window, "buttonOrganize");
         QVERIFY(QTest::qWaitFor([&] { return closed; }));
         QCOMPARE(FilesBelow(Home("out")).size(), 2);
-        Answers answers({Success()});
-        answers.Finish();
+        Answers({Success()}).Finish();
     }
 
     void endsInTheMiddle()
