@@ -66,6 +66,15 @@ bool IsUneven(const QGroupBox& box)
     return sizes.size() > 1;
 }
 
+/// Whether @p box and another one lie on each other.
+bool IsAcross(const QGroupBox& box)
+{
+    const auto boxes = box.parent()->findChildren<QGroupBox*>(QString(), Qt::FindDirectChildrenOnly);
+    return std::any_of(boxes.begin(), boxes.end(), [&box](const QGroupBox* other) {
+        return other != &box && other->isVisible() && other->geometry().intersects(box.geometry());
+    });
+}
+
 /// What a screen reader calls a widget. A combo box may have its choice as its name, and its caption as its label.
 QString Name(QWidget* widget)
 {
@@ -131,6 +140,8 @@ QStringList Visible(const QWidget& window)
             seen += "cut=" + name;
         if (const auto* const box = qobject_cast<const QGroupBox*>(widget); box && IsUneven(*box))
             seen += "uneven=" + name;
+        if (const auto* const box = qobject_cast<const QGroupBox*>(widget); box && IsAcross(*box))
+            seen += "across=" + name;
         const bool isRead = qobject_cast<QLabel*>(widget) || qobject_cast<QProgressBar*>(widget);
         const QString described = QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Description);
         if (isRead && (Name(widget).isEmpty() || described.contains('<')))

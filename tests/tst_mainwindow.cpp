@@ -276,6 +276,7 @@ private slots:
         STEP("buttonAdd Folder with Subfolders", {Files("Select folder", "other", "lib")},
              "listAudioFiles=~/other/f.spx; [AddFolderPath]=~/other");
         DO("buttonRemove All", {Yes(removeAll)});
+        window->setLayoutDirection(Qt::RightToLeft);
         STEP("drop lib/l.mp3|lib|lib/b.mp3|lib/notes.txt", {}, all + "|~/lib/l.mp3; Updating" + seven);
     }
 
