@@ -679,7 +679,7 @@ private slots:
         ENDS("close", {Unsaved(QMessageBox::Escape)}, false);
         LOOK("");
         ENDS("close", {Unsaved(QMessageBox::No)});
-        window->show();
+        window->showMinimized(); // its dialogs come up all the same
         ENDS("close", {Unsaved(QMessageBox::Yes), Files("Save profile")}); // cancelling that does not keep us
         LOOK("title=Orvanto* (closed)");
         window->show();
