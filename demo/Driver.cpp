@@ -242,8 +242,9 @@ void Act(QWidget& window, const QString& act, QList<Answer> answers)
     step.act = act;
     const QByteArray name = act.section(' ', 0, 0).toLatin1();
     const QString rest = act.section(' ', 1);
-    if (menus.contains(name))
-        answers.prepend(Entry(menus[name], name == "row" ? rest.section(' ', 1) : rest));
+    const QString entry = name == "row" ? rest.section(' ', 1) : rest;
+    if (menus.contains(name) && !entry.isEmpty())
+        answers.prepend(Entry(menus[name], entry));
     Answers dialogs(answers);
     auto& list = *Child<QListWidget>(window, "listAudioFiles");
     const auto place = [&](int word) {

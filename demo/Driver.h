@@ -92,9 +92,9 @@ using Answer = std::function<void(QWidget*)>;
 /// or closed. An act is one for Do(), or else:
 ///     drop PATHS      drops files and folders: "drop in/1.mp3|in/2.mp3"
 ///     open PATHS      opens files and folders from the desktop
-///     hover ROW       rests the pointer on a row, or below the rows where there is no such row
+///     hover ROW       rests the pointer on a row; a ROW beyond the last is the room below
 ///     press ROW       clicks a row; "double ROW" does so twice, and "drag ROW ROW" moves on to another
-///     row ROW ENTRY   chooses from the menu of a row: "row 0 Edit Tags"
+///     row ROW ENTRY   chooses from the menu of a row: "row 0 Edit Tags"; "row ROW" where no menu comes up
 ///     buttonX ENTRY   chooses from the menu of a button: "buttonAdd Folder"
 ///     actionX         chooses from the menu bar: "actionNew"
 void Act(QWidget& window, const QString& act, QList<Answer> answers = {});

@@ -329,11 +329,8 @@ private slots:
         STEP("double 1", {}, "opened=file://~/x/2.ogg");
 
         STEP("buttonRemove Selected", {No(removeFile)}, "");
-        const auto drop = [this] { // while the rows are being rebuilt
-            List().model()->disconnect(this);
-            DropOn(*window, Paths("x/1.mp3"));
-        };
-        connect(List().model(), &QAbstractItemModel::rowsInserted, this, drop, Qt::QueuedConnection);
+        const auto drop = Once([this] { return List().count() == 2; }, // while the rows are being rebuilt
+                               [this] { DropOn(*window, Paths("x/1.mp3")); });
         STEP("row 0 Remove", {Yes(removeFile)}, "listAudioFiles=~/x/2.ogg|~/x/3.wv; " + cleared);
         // Rows still find their records.
         STEP("press 1", {}, "listAudioFiles=~/x/2.ogg|>~/x/3.wv; " + bareInfo + "; " + preview + "wv");
@@ -343,8 +340,7 @@ private slots:
         STEP("buttonRemove Selected", {Yes(removeFile)}, "listAudioFiles=");
         STEP("buttonRemove Selected", {Yes(removeFile)}, "");
         STEP("drop x/3.wv", {}, "listAudioFiles=~/x/3.wv");
-        QCursor::setPos(List().mapToGlobal(List().rect().center()));
-        emit List().customContextMenuRequested(QPoint()); // no menu over no file
+        STEP("row 1", {}, ""); // below the rows
     }
 
     void keys_data()
@@ -373,10 +369,9 @@ private slots:
         const Answer look = [&](QWidget* shown) {
             const auto* const menu = qobject_cast<QMenu*>(shown);
             const int at = List().row(List().itemAt(List().viewport()->mapFromGlobal(shown->pos())));
-            DemandSame("what opens",
-                       menu ? menu->actions().first()->text() + ' ' + QString::number(at)
-                            : shown->property("text").toString(),
-                       opens);
+            QTEST(menu ? menu->actions().first()->text() + ' ' + QString::number(at)
+                       : shown->property("text").toString(),
+                  "opens");
             QTest::keyClick(shown, menu ? Qt::Key_Escape : Qt::Key_Return);
         };
         DO("keys " + keys, opens.isEmpty() ? QList<Answer>() : QList<Answer>{look});
@@ -654,15 +649,13 @@ private slots:
         }
         window->move(-500, 300);                            // partly off the screen
         QVERIFY(QFile::remove(path) && QDir().mkdir(path)); // a folder in its place
-        STEP("buttonOrganize", {Warning("Could not save log.")},
-             "Processing 8%; Updating 8% 16% 25% 33% 41% 50% 58% 66% 75% 83% 91%");
+        DO("buttonOrganize", {Warning("Could not save log.")});
     }
 
     void deletesOriginals()
     {
         OpenSettings().setValue("SkipSocial", 1);
-        Put("full.mp3", "in/1.mp3");
-        Put("full.ogg", "in/2.ogg");
+        Put("full.mp3", "in/1.mp3|in/2.mp3");
         DO("comboRename 0; comboOrganizeBy 0; checkDeleteOriginal; checkSkipOrganize; drop in");
         STEP("buttonOrganize", {Success()}, "~/Documents=Orvanto/Orvanto.log; Processing 100%; Updating 50%");
         DO("checkSkipOrganize; editOutputFolder " + Home("in//")); // they are their own copies
@@ -670,7 +663,7 @@ private slots:
         STEP("buttonOrganize", {Yes(deleteOriginals), Success()}, "listAudioFiles=; Processing 50% 100%");
         DO("drop in; editOutputFolder " + Home("out"));
         STEP("buttonOrganize", {Yes(deleteOriginals), Success()},
-             "listAudioFiles=; ~/in=; ~/out=1.mp3|2.ogg; Processing 50% 100%");
+             "listAudioFiles=; ~/in=; ~/out=1.mp3|2.mp3; Processing 50% 100%");
     }
 
     void asksBeforeItEnds()
@@ -679,10 +672,10 @@ private slots:
         ENDS("close", {Unsaved(QMessageBox::Escape)}, false);
         LOOK("");
         ENDS("close", {Unsaved(QMessageBox::No)});
-        window->showMinimized(); // its dialogs come up all the same
+        window->show();
         ENDS("close", {Unsaved(QMessageBox::Yes), Files("Save profile")}); // cancelling that does not keep us
         LOOK("title=Orvanto* (closed)");
-        window->show();
+        window->showMinimized(); // its dialogs come up all the same
         ENDS("actionExit", {Unsaved(QMessageBox::Yes), Files("Save profile", "Documents/p.ovp")});
         LOOK("title=Orvanto - p (closed); ~/Documents=p.ovp");
         ENDS("close", {});
@@ -694,16 +687,14 @@ private slots:
         PutHundred();
         QVERIFY(QDir().mkpath(Home("empty/sub")));
         int turns = 0;
-        const auto adds = [&] { return IsAdding() && ++turns > 20; };
         const auto artist = [this](int row) { return Artist(List().item(row)->text()); };
 
         auto escape = EscapeOnce([this] { return IsAdding(); });
         STEP("drop empty|in/1.spx", {Stop(QMessageBox::Yes)}, ""); // while folders are read
-        escape = EscapeOnce(adds);
+        escape = EscapeOnce([&] { return IsAdding() && ++turns > 20; });
         DO("drop in", {Stop(QMessageBox::Yes)});
         QVERIFY(List().count() > 0 && List().count() < 100);
-        turns = 0;
-        escape = EscapeOnce(adds);
+        escape = EscapeOnce([this] { return IsAdding(); });
         DO("drop in", {Stop(QMessageBox::No)});
         QCOMPARE(List().count(), 100);
 
