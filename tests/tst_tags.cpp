@@ -68,33 +68,15 @@ QByteArray QuickTimeMp4()
     return mp4.left(sound) + moved + mp4.mid(sound, moov - sound);
 }
 
-/// Three fragments behind bare.mp4; the file says where the sound of each is.
-QByteArray FragmentedMp4()
-{
-    QByteArray mp4 = SampleBytes("bare.mp4"), index;
-    for (const char* sound : {"sound one", "sound two", "sound three"}) {
-        const auto header = [](qint64 base) {
-            return Number(1) + Number(1) + Number(0) + Number(base); // flags, track, and 64 bits of a position
-        };
-        const auto fragment = [&](qint64 base) { return Atom("moof", Atom("traf", Atom("tfhd", header(base)))); };
-        index += Number(0) + Number(mp4.size()) + QByteArray(3, '\1');
-        mp4 += fragment(mp4.size() + fragment(0).size() + 8) + Atom("mdat", sound);
-    }
-    return mp4 + Atom("mfra", Atom("tfra", Number(0) + Number(1) + Number(0) + Number(3) + index));
-}
-
-/// What an mp4 file has in all the places where it says that something is.
+/// What an mp4 file has in the places where it says that its sound, or a fragment with sound, is.
 QByteArrayList WhereMp4Points(const QByteArray& file)
 {
+    const std::pair<const char*, int> numbers[] = {{"stco", 12}, {"tfhd", 16}, {"tfra", 32}, {"tfra", 51}};
     QByteArrayList found;
-    const auto take = [&](auto at) { found += file.mid(qFromBigEndian<qint32>(file.constData() + at), 9); };
-    for (auto at = file.indexOf("stco"); at >= 0; at = file.indexOf("stco", at + 1))
-        take(at + 12);
-    for (auto at = file.indexOf("tfhd"); at >= 0; at = file.indexOf("tfhd", at + 1))
-        take(at + 16);
-    const auto index = file.indexOf("tfra");
-    for (int entry = 0; index >= 0 && entry < 3; ++entry)
-        take(index + 24 + entry * 11);
+    for (const auto& [name, distance] : numbers) {
+        for (auto at = file.indexOf(name); at >= 0; at = file.indexOf(name, at + 1))
+            found += file.mid(qFromBigEndian<qint32>(file.constData() + at + distance), 9);
+    }
     return found;
 }
 
@@ -238,7 +220,10 @@ private slots:
         add("Wave64 with sound like mp3", "x.mp3", "riff" + SampleBytes("bare.mp3"), false, unreadable);
         add("signature of another type", "x.mp3", "fLaC" + SampleBytes("bare.mp3"), false, unreadable);
 
-        add("mp4 in fragments", "x.mp4", FragmentedMp4(), true);
+        add("Opus", "x.ogg", SampleBytes("odd-opus.ogg"), true);
+        add("FLAC in Ogg", "x.ogg", SampleBytes("odd-flac.ogg"), true);
+
+        add("mp4 in fragments", "x.mp4", SampleBytes("odd-fragments.mp4"), true);
         add("mp4, zeros end the user data", "x.mp4", QuickTimeMp4(), true);
         add("mp4, moov to the end", "x.mp4", Damaged("bare.mp4", "moov", -4, 0), false);
         add("mp4, offsets of another kind", "x.mp4", QuickTimeMp4() + Atom("meta", Number(0) + Atom("iloc", "")),
