@@ -146,6 +146,9 @@ private slots:
             Add(file);
         Organise(settings);
         QTEST(Tree(), "tree");
+        const bool copies = !settings.contains("skip-organize"); // or else only the files hold what was edited
+        for (const SAudioFile& file : worker->files)
+            QVERIFY2(!copies || TagManager().ReadFile(file.Path).Title == file.Title, qPrintable(file.Path));
         QTEST(Short(worker->failedPaths), "failed");
         QTEST(Short(asked), "asked");
         QCOMPARE(handled.isEmpty() ? "-" : handled.join(' '), progress.isEmpty() ? "1" : progress);
