@@ -205,7 +205,7 @@ private slots:
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QString>("texts");
         QTest::addColumn<bool>("saved");
-        const auto add = [](const char* row, const char* name, const QByteArray& bytes, bool saved,
+        const auto add = [](const QByteArray& row, const QString& name, const QByteArray& bytes, bool saved,
                             const QString& texts = noTags) { QTest::newRow(row) << name << bytes << texts << saved; };
         QByteArray nested, flood = SampleBytes("bare.mp4");
         for (int depth = 100000; depth > 0; --depth)
@@ -244,7 +244,6 @@ private slots:
         add("mp4, moov to the end", "x.mp4", Damaged("bare.mp4", "moov", -4, 0), false);
         add("mp4, offsets of another kind", "x.mp4", QuickTimeMp4() + Atom("meta", Number(0) + Atom("iloc", "")),
             false);
-        add("mp4, ID3v1 behind it", "x.mp4", SampleBytes("bare.mp4") + "TAG" + QByteArray(125, ' '), true);
         add("mp4, a bit of a count", "x.mp4", Damaged("bare.mp4", "stco", 8, 1 + (1 << 5)), false, unreadable);
         add("mp4, atom longer than its holder", "x.mp4", Damaged("bare.mp4", "stsz", -4, 5000), false, unreadable);
         add("mp4, cut off", "x.mp4", QuickTimeMp4().chopped(100), false, unreadable);
@@ -261,6 +260,9 @@ private slots:
         add("aif, sound too short", "x.aif", Damaged("bare.aif", "SSND", 4, 500), false);
         add("aif, all too short", "x.aif", Damaged("bare.aif", "FORM", 4, 500), false);
 
+        for (const char* type : {"mp3", "mp4", "flac", "mpc"})
+            add(type + QByteArray(", ID3v1 behind it"), QString("x.") + type,
+                SampleBytes(QString("full.") + type) + "TAG" + QByteArray(125, ' '), true, fullTags);
         add("flac, no sound", "x.flac", SampleBytes("bare.flac").left(SampleBytes("bare.flac").indexOf("\xff\xf8")),
             true);
         add("flac, comment into the sound", "x.flac", Damaged("bare.flac", "reference", -8, 0x84000100), false);
