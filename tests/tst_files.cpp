@@ -431,13 +431,10 @@ private slots:
         const std::pair<qint64, qint64> beyond[] = {{file.Size() - 1, 2}, {file.Size() + 1, 0}, {-1, 1}, {1, -1}};
         if (isDamaged) // which leads a parser to such places
             file.Replace(beyond[seed % 4].first, beyond[seed % 4].second, "x");
-        bool isRefused = isDamaged || isStopped;
-        onCall = [&, left = random.bounded(12)](const QByteArray& call) mutable {
-            const bool fails = (call == "pwrite" || call == "ftruncate" || call == "fsync") && left-- == 0;
-            isRefused = isRefused || fails;
-            return fails ? ENOSPC : 0;
-        };
+        const QString calls[] = {"fsync 1 EIO", "ftruncate 1 EIO", "pwrite %1 ENOSPC"};
+        onCall = At(QString(calls[seed % 3]).replace("%1", QString::number(random.bounded(40))));
         const EditedFile::Saved saved = file.Save([&] { return !isStopped; });
+        const bool isRefused = std::exchange(happened, true) || isDamaged || isStopped;
         QCOMPARE(saved, isRefused ? EditedFile::Saved::NotAtAll : EditedFile::Saved::Whole);
         QVERIFY(Bytes(In("b")) == (isRefused ? before : wanted));
         QCOMPARE(FactsOf(In("b"))->inode == inode, isRefused || keepsPlaces);

@@ -22,9 +22,11 @@ QByteArray Number(qint64 number, bool little = false)
     return QByteArray(reinterpret_cast<const char*>(&ordered), 4);
 }
 
-QByteArray Atom(const char* name, const QByteArray& content)
+QByteArray Atom(const char* name, const QByteArray& content, bool hasLongSize = false)
 {
-    return Number(8 + content.size()) + name + content;
+    return (hasLongSize ? Number(1) + name + Number(0) + Number(16 + content.size())
+                        : Number(8 + content.size()) + name) +
+           content;
 }
 
 /// A sample with a number of four bytes changed, @p distance bytes behind the last @p mark.
@@ -57,25 +59,25 @@ QByteArray WithFrames(const char* name)
 }
 
 /// bare.mp4 with the sound behind everything else, and user data before the tracks that end with a word of zeros.
-QByteArray QuickTimeMp4(const QByteArray& first = {})
+QByteArray QuickTimeMp4(const QByteArray& first = {}, bool hasLongSize = false)
 {
     const QByteArray mp4 = SampleBytes("bare.mp4");
     const auto sound = mp4.indexOf("mdat") - 4, moov = mp4.indexOf("moov") - 4, track = mp4.indexOf("trak") - 4,
                userData = mp4.indexOf("udta") - 4;
-    const QByteArray header = mp4.mid(moov + 8, track - moov - 8), tracks = mp4.mid(track, userData - track);
-    QByteArray moved = first + Atom("moov", header + Atom("udta", mp4.mid(userData + 8) + Number(0)) + tracks);
+    const QByteArray header = mp4.mid(moov + 8, track - moov - 8), tracks = mp4.mid(track, userData - track),
+                     tags = Atom("udta", mp4.mid(userData + 8) + Number(0));
+    QByteArray moved = first + Atom("moov", header + tags + tracks, hasLongSize);
     moved.replace(moved.indexOf("stco") + 12, 4, Number(sound + moved.size() + 8));
     return mp4.left(sound) + moved + mp4.mid(sound, moov - sound);
 }
 
-/// The same with an offset and a size of 64 bits.
+/// The same with a size and an offset of 64 bits.
 QByteArray LongMp4()
 {
-    QByteArray mp4 = QuickTimeMp4();
+    QByteArray mp4 = QuickTimeMp4({}, true);
     const auto at = mp4.indexOf("stco") - 4;
     const QByteArray table = Number(0) + Number(1) + Number(0) + mp4.mid(at + 16, 4);
-    const QByteArray longSize = Number(1) + "free" + Number(0) + Number(16);
-    return mp4.replace(at, 46, Atom("co64", table) + Atom("free", QByteArray(14, '\0'))) + longSize;
+    return mp4.replace(at, 46, Atom("co64", table) + Atom("free", QByteArray(14, '\0')));
 }
 
 /// What an mp4 file has in the places where it says that its sound, or a fragment with sound, is.
@@ -253,6 +255,7 @@ private slots:
         add("wav, data too short", "x.wav", Damaged("bare.wav", "data", 4, 500, true), false);
         add("wav, all too short", "x.wav", Damaged("bare.wav", "RIFF", 4, 500, true), false);
         add("wav, recording never ended", "x.wav", Damaged("bare.wav", "data", 4, -1, true), false);
+        add("wav, ID3v1 behind it", "x.wav", SampleBytes("full.wav") + "TAG" + QByteArray(125, ' '), false, fullTags);
         add("wav, sound not counted", "x.wav", UncountedSilence(), false);
         add("wav, odd and not padded", "x.wav", OddWave(""), true);
         add("wav, tags at an odd place", "x.wav",
