@@ -310,7 +310,7 @@ private slots:
                 asked = 0;
                 QVERIFY(tags.SetInfo(Tag::Title, QString(length, 'x')));
             }
-            QVERIFY2(answers > (length > 1 ? 7 : 1), qPrintable(QString("asked %1 times").arg(answers)));
+            QVERIFY2(answers > (length > 1 ? 8 : 2), qPrintable(QString("asked %1 times").arg(answers)));
         }
         QVERIFY(Bytes(tags.path).endsWith(sound));
         tags.goOn = [] { return true; };
