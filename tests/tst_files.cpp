@@ -321,11 +321,10 @@ private slots:
         const QByteArray path = Path("a.mp3");
         QCOMPARE(link(path, Path("linked.mp3")), 0);
         QCOMPARE(chmod(path, isRoot ? 06604 : 0604), 0);
-        const bool hasAttributes = setxattr(path, "user.mood", "calm", 4, 0) == 0; // not every disk has
+        setxattr(path, "user.mood", "calm", 4, 0); // which not every disk can keep
         const auto belongings = [&](const QString& name) {
             char mood[5] = {};
-            if (hasAttributes)
-                getxattr(Path(name), "user.mood", mood, sizeof mood);
+            getxattr(Path(name), "user.mood", mood, sizeof mood);
             const auto facts = FactsOf(In(name));
             return facts ? QString("%1 %2 %3 %4").arg(facts->mode).arg(facts->owner).arg(facts->group).arg(mood) : "";
         };
@@ -499,28 +498,23 @@ private slots:
 
     void originalsGoWhenAllIsProven_data()
     {
-        AddRows({"out", "event", "left"},
-                {{"copied", "out", "", ""},
-                 // The first flush is that of the copy.
-                 {"no flush of the album", "new/upper/out", "fsync 2 EIO", "a.mp3"},
-                 {"no flush of the artist", "new/upper/out", "fsync 3 EIO", "a.mp3"},
-                 {"no flush of the genre", "new/upper/out", "fsync 4 EIO", "a.mp3"},
-                 {"no flush of the output folder", "new/upper/out", "fsync 5 EIO", "a.mp3"},
-                 {"no flush of what was made above", "new/upper/out", "fsync 6 EIO", "a.mp3"},
-                 {"no flush above that", "new/upper/out", "fsync 7 EIO", "a.mp3"},
-                 {"no flush of the first", "new/upper/out", "fsync 8 EIO", "a.mp3"},
-                 {"no opening of the output folder", "out", "open 2 EIO", "a.mp3"},
-                 {"a folder that may not be read", "out", "open 2 EACCES", ""},
-                 {"written while names are flushed", "out", "fsync 2 a.mp3 is cut", "a.mp3"},
-                 {"the copy goes meanwhile", "out", "fsync 2 out/G/A/L/T.mp3 goes", "a.mp3"},
-                 {"a folder takes its place", "out", "fsync 2 out/G/A/L/T.mp3 is a folder", "a.mp3"},
-                 {"no writing of a large file", "out", "sync_file_range 1 EIO", "a.mp3"},
-                 {"no early writing on this disk", "out", "sync_file_range each EINVAL", ""},
-                 {"a stop within the file", "out", "copy_file_range 1 stop", "a.mp3"},
-                 {"a stop while it waits", "out", "fsync 1 stop", "a.mp3"},
-                 {"a stop between two originals", "out", "unlink 1 stop", "b.mp3"},
-                 {"there, on another volume", "other", "", ""},
-                 {"there, and itself", "other", "renameat2 1 other/G/A/L/T.mp3 goes", "a.mp3"}});
+        QList<QStringList> rows{{"copied", "out", "", ""},
+                                {"no opening of the output folder", "out", "open 2 EIO", "a.mp3"},
+                                {"a folder that may not be read", "out", "open 2 EACCES", ""},
+                                {"written while names are flushed", "out", "fsync 2 a.mp3 is cut", "a.mp3"},
+                                {"the copy goes meanwhile", "out", "fsync 2 out/G/A/L/T.mp3 goes", "a.mp3"},
+                                {"a folder takes its place", "out", "fsync 2 out/G/A/L/T.mp3 is a folder", "a.mp3"},
+                                {"no writing of a large file", "out", "sync_file_range 1 EIO", "a.mp3"},
+                                {"no early writing on this disk", "out", "sync_file_range each EINVAL", ""},
+                                {"a stop within the file", "out", "copy_file_range 1 stop", "a.mp3"},
+                                {"a stop while it waits", "out", "fsync 1 stop", "a.mp3"},
+                                {"a stop between two originals", "out", "unlink 1 stop", "b.mp3"},
+                                {"there, on another volume", "other", "", ""},
+                                {"there, and itself", "other", "renameat2 1 other/G/A/L/T.mp3 goes", "a.mp3"}};
+        // After that of the copy: the three levels, the output folder, the two above it, and where these were made.
+        for (int flush = 2; flush < 9; ++flush)
+            rows += {QString("no flush %1").arg(flush), "new/upper/out", QString("fsync %1 EIO").arg(flush), "a.mp3"};
+        AddRows({"out", "event", "left"}, rows);
     }
     void originalsGoWhenAllIsProven()
     {
@@ -589,8 +583,7 @@ private slots:
         const QString one = PutSample("bare.mp3", In("É/ann.mp3")),
                       other = PutSample("full.mp3", In("e\u0301/Ann.mp3"));
         QVERIFY(IsSameFile(one, other));
-        QVERIFY(!IsSameFile(one, PutSample("bare.mp3", In("É/bob.mp3"))));
-        QVERIFY(!IsSameFile(one, In("É/missing.mp3")));
+        QVERIFY(!IsSameFile(one, In("a.mp3")));
     }
 };
 
