@@ -256,6 +256,7 @@ private slots:
                       ioError = "Input/output error", diskFull = "No space left on device";
         AddRows({"then", "reason"},
                 {{"copy fsync 1 EIO", failed, ioError},
+                 {"copy create 1 ENOSPC", failed, diskFull},
                  {"copy fsync each EINVAL", copied}, // no such call on this disk
                  {"copy fsync twice EINTR", copied},
                  {"copy open each EWOULDBLOCK", copied}, // under a lease

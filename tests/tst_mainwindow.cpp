@@ -550,7 +550,7 @@ private slots:
         TagManager().WriteFile({"", "", "", "", "www.spam.com", "", path}); // is erased before the editor shows it
         Put("full.mp3", "late/l.mp3");
         Put("full.ogg", "in/z.ogg");
-        DO("drop in/Ann - Song.mp3|in/z.ogg; editOutputFolder " + Home("out//"));
+        DO("drop in/Ann - Song.mp3|in/z.ogg; editOutputFolder " + Home("out/"));
 
         const QString every =
             "title=Edit Tags; ring=Online Tag Search|Artist|Title|Album|Year|Genre|Track|OK|Skip|Abort|Play in iTunes; "

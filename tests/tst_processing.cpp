@@ -49,7 +49,7 @@ private:
     QString Tree() const { return Short(FilesBelow(folder->path())); }
 
     /// Runs with these settings: organize-by index, rename index, output folder; then what the tag editor is answered,
-    /// "abort", "skip", or "edit", which appends "!" to the title; and flags.
+    /// "abort", "skip", "stop", or "edit", which appends "!" to the title; and flags.
     void Organise(const QString& described)
     {
         const QStringList words = described.split(' ');
@@ -66,7 +66,9 @@ private:
             asked += worker->editedFile.Path;
             if (answer == "edit")
                 worker->editedFile.Title += '!';
-            worker->AnswerDialog(answer == "skip" || answer == "edit");
+            if (answer == "stop")
+                worker->requestInterruption();
+            worker->AnswerDialog(answer != "abort");
         });
         worker->start();
         QTRY_VERIFY_WITH_TIMEOUT(worker->isFinished() && !worker->waitingForDialog, 20000);
@@ -114,6 +116,7 @@ private slots:
                  {"blanks are no artist", "0 2 out abort", "  -x;Artist=", "  -x", "", "  -x", "-"},
                  {"the name fills no album", "0 5 out skip", "x;Album=;Year=0", "x|out/A-T (Album - Year)", "", "x"},
                  {"abort ends it all", "0 2 out abort delete", "x|y;Track=0", "x|y", "", "y", "-"},
+                 {"a stop in the last file", "0 1 out stop skip-organize", "x;Genre=", "x", "", "x", "-"},
                  {"manual, incomplete only", "0 1 out edit manual", "x|y;Genre=", "x|y|out/T!|out/T", "", "y", "1 2"},
                  {"only edit tags", "0 1 out edit skip-organize delete", "x;Genre=|y", "x|y", "", "x", "2"},
                  {"refused without folders", "0 1 out", "1.MP3|2;Title=An Unknown|3;Title=S", "1.MP3|2|3|out/S|out/T",
@@ -152,7 +155,9 @@ private slots:
         QTEST(Short(worker->failedPaths), "failed");
         QTEST(Short(asked), "asked");
         QCOMPARE(handled.isEmpty() ? "-" : handled.join(' '), progress.isEmpty() ? "1" : progress);
-        QCOMPARE(worker->end, settings.contains("abort") ? RunEnd::Aborted : RunEnd::Complete);
+        QCOMPARE(worker->end, settings.contains("abort")  ? RunEnd::Aborted
+                              : settings.contains("stop") ? RunEnd::Interrupted
+                                                          : RunEnd::Complete);
     }
 
     void badSourcesAndDestinations()

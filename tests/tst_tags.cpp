@@ -213,6 +213,7 @@ private slots:
         for (const char* type : {"aif", "wav"})
             add(type + QByteArray(", sound like mp3"), SampleBytes(QString("bare.") + type).replace(54, 576, mp3),
                 true);
+        add("mp3, nothing but the first bytes of a tag", "ID3", false);
         add("mp3, FLAC behind tags", twoTags + flac, true);
         const QByteArray footed = QByteArray(tag).replace(5, 1, "\x10") + QByteArray(26, '\0');
         add("mp3, FLAC behind a tag with a footer", footed + flac, true);
