@@ -78,7 +78,7 @@ void MainWindow::ProcessThreadFinished()
     ReloadList();
     run.reset();
     ClearPreviews();
-    if (quitting || StoredFlag(SettingsKey::skipSocial))
+    if (quitting || worker.end == RunEnd::Interrupted || StoredFlag(SettingsKey::skipSocial))
         return;
     DialogSocial dialog(nullptr);
     PlaceOverMainWindow(dialog);
@@ -101,17 +101,18 @@ void MainWindow::ReportRun()
     AppendToFile(RunLogPath(), RunLogBlock(QDateTime::currentDateTime(), report.logged));
 }
 
-/// Lists the files that the run has left over, with their tags as they are on disk now.
+/// Lists the files that the run has left over, with their tags as they are on disk now; after a stop, as the run left
+/// them.
 void MainWindow::ReloadList()
 {
     BeginStage(tr("Updating audio file list..."));
     audioFiles.Clear();
+    bool goesOn = true;
     for (const SAudioFile& file : std::as_const(worker.files)) {
         if (worker.end == RunEnd::Interrupted && !QFileInfo::exists(file.Path))
             continue; // stopped while originals were deleted
-        audioFiles.Append(tagManager.ReadFile(file.Path));
-        if (!Pump())
-            break;
+        audioFiles.Append(goesOn ? tagManager.ReadFile(file.Path) : file);
+        goesOn = goesOn && Pump();
     }
     SynchronizeListAudioFiles(true);
 }
