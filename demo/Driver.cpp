@@ -83,6 +83,15 @@ QString Name(QWidget* widget)
         ->text(QAccessible::Name);
 }
 
+/// Whether @p dialog is in the middle of the window that it belongs to, if there is room on the screen. Qt puts file
+/// dialogs elsewhere.
+bool IsInTheMiddle(const QWidget& dialog)
+{
+    const QPoint off = dialog.windowHandle()->transientParent()->geometry().center() - dialog.geometry().center();
+    const bool hasRoom = dialog.screen()->availableGeometry().contains(dialog.geometry().translated(off));
+    return dialog.inherits("QFileDialog") || !hasRoom || off.manhattanLength() < 30;
+}
+
 /// Turns the wheel by one notch, towards the user.
 void TurnWheel(QWidget& widget)
 {
@@ -375,7 +384,8 @@ void Answers::Look()
     }
     answered = shown;
     ticks = 0;
-    Demand(popup || shown->windowHandle()->transientParent(), "a dialog belongs to no window");
+    if (!popup && Demand(shown->windowHandle()->transientParent(), "a dialog belongs to no window"))
+        Demand(IsInTheMiddle(*shown), "a dialog is not in the middle of its window");
     answers.takeFirst()(shown);
     if (answered && !answered->isVisible())
         answered.clear(); // the same menu may come up again

@@ -68,6 +68,7 @@ private:
         return Box(QMessageBox::Question, "You have unsaved changes. Do you want to save your settings?",
                    QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, answer);
     }
+    QString ArtistAt(int row) const { return List().item(row) ? Artist(List().item(row)->text()) : QString(); }
     QListWidget& List() const { return *Child<QListWidget>(*window, "listAudioFiles"); }
     QString Focus() const { return window->focusWidget()->objectName(); }
     QString Status() const { return Child<QLabel>(*window, "textProgress")->text(); }
@@ -76,6 +77,7 @@ private:
     {
         AtStep("opening the window", __FILE__, __LINE__);
         window = std::make_unique<MainWindow>(nullptr);
+        window->move(10, 150); // from where the system puts windows
         window->show();
         window->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(window.get()));
@@ -421,8 +423,9 @@ private slots:
                "comboOrganizeBy=Genre/Artist/Album; editOutputPreview=~/Music/G/A/L/A-T (1999).mp3");
         change(__LINE__, "comboRename 6", "comboRename=Custom; editOutputPreview=~/Music/G/A/L/7 A-T (L, 1999, G).mp3",
                {cancels});
+        QApplication::clipboard()->setText("[Title]\r\n [x]\n");
         change(__LINE__, "comboRename 6", "editOutputPreview=~/Music/G/A/L/T [x].mp3",
-               {Fill("editRenameScheme [Title] [x]; buttonOK")});
+               {Fill("focus editRenameScheme; keys Ctrl+A Ctrl+V; buttonOK")});
         change(__LINE__, "editOutputFolder C:\\a=b\\",
                "editOutputFolder=C:\\a=b\\; [OutputFolderPath]=C:/a=b/; editOutputPreview=C:/a=b/G/A/L/T [x].mp3");
         QApplication::clipboard()->setText("/p\r\n/q\n");
@@ -584,6 +587,8 @@ private slots:
             DemandSeen(Now().filter("textInfo"), info); // as it is in the file
         };
         const QString copied = "Processing 50% 100%; ~/out=", ogg = "A/A-T.ogg";
+        const auto click = Once([this] { return Status().startsWith("Erasing"); }, // which takes no clicks
+                                [this] { Click(*window, "checkDeleteOriginal"); });
         // An erased tag is in the file even if nothing else happens.
         DO("radioFixMan; checkOnlyEditInvalid");
         const QString untagged = every + song + "editArtist=; editTitle=";
@@ -638,7 +643,6 @@ private slots:
             Demand(text.textCursor().atEnd(), "the caret does not move");
             Demand(!Child<QLabel>(*box, "qt_msgbox_label")->isVisible(), "the text is there twice");
             DemandSeen(Visible(*box).filter(QRegularExpression("^(ring|unreadable)=")), "ring=OK|Report");
-            Demand((box->geometry().center() - window->geometry().center()).manhattanLength() < 5, "not in the middle");
             QTest::keyClick(box, Qt::Key_Return);
         };
         for (const QString& names : {"in/Unknown " + QString(200, 'x') + ".mp3", more}) { // too wide, and too high
@@ -686,7 +690,6 @@ private slots:
         PutHundred();
         QVERIFY(QDir().mkpath(Home("empty/sub")));
         int turns = 0;
-        const auto artist = [this](int row) { return Artist(List().item(row)->text()); };
 
         auto escape = EscapeOnce([this] { return IsAdding(); });
         STEP("drop empty|in/1.spx", {Stop(QMessageBox::Yes)}, ""); // while folders are read
@@ -698,10 +701,10 @@ private slots:
         QCOMPARE(List().count(), 100);
 
         const auto edit = [&](int line, const char* typed, QMessageBox::StandardButton answer, const char* last) {
-            escape = EscapeOnce([=] { return artist(0) == typed; });
+            escape = EscapeOnce([=] { return ArtistAt(0) == typed; });
             Do(line, "row 0 Batch Edit Tags",
                {Fill("editArtist " + QString(typed) + "; buttonOK"), Yes(applyTags), Stop(answer)});
-            DemandSame("the artist of the last file", artist(99), QString(last));
+            DemandSame("the artist of the last file", ArtistAt(99), QString(last));
             Do(line, "keys End");
             DemandSame("the artist in the list", Now().filter("textInfo=Artist: " + QString(last)).size(), 1);
         };
@@ -710,11 +713,11 @@ private slots:
         TELL(edit(__LINE__, "www.2", QMessageBox::Yes, "www.1"));
 
         DO("comboRename 0; comboOrganizeBy 0; editOutputFolder " + Home("out"));
-        escape = EscapeOnce([=] { return artist(50).isEmpty(); });
+        escape = EscapeOnce([=] { return ArtistAt(50).isEmpty(); });
         const auto escapeAgain = EscapeOnce([this] { return IsAdding(); }); // what was not read again stays listed
         DO("buttonOrganize", {Stop(QMessageBox::Yes), Information("Operation stopped."), Stop(QMessageBox::Yes)});
         QCOMPARE(List().count(), 100);
-        QCOMPARE(artist(99), QString("www.1"));
+        QCOMPARE(ArtistAt(99), QString("www.1"));
         QVERIFY(!QFile::exists(Home("out")));
     }
 
@@ -739,7 +742,7 @@ private slots:
         // Asked manually, the worker changes no file before it waits for the tag editor.
         DO("radioFixMan; drop in; comboRename 0; comboOrganizeBy 0; editOutputFolder " + Home("out"));
         const Answer loses = [this](QWidget* question) {
-            QVERIFY(QFile::remove(Home("in/3.mp3")));
+            QVERIFY(QFile::remove(Home("in/2.mp3")));
             Stop(QMessageBox::Yes)(question);
         };
         EscapeAtStart();
@@ -774,15 +777,15 @@ private slots:
         const auto stops = [&](int line, const QString& acts, int row, const char* until,
                                const QList<Answer>& answers) {
             Do(line, "drop in; press 0; " + acts.section("; ", 0, -2));
-            const auto middle = [&] { return Artist(List().item(row)->text()) == until; };
+            const auto middle = [&] { return ArtistAt(row) == until; };
             const auto close = Once(middle, [&] { window->close(); });
             Ends(line, acts.section("; ", -1), answers);
-            DemandSame("the artist of the last file", Artist(List().item(99)->text()), QString("www."));
+            DemandSame("the artist of the last file", ArtistAt(99), QString("www."));
         };
-        stops(__LINE__, "comboOrganizeBy 1; row 0 Batch Edit Tags", 0, "All",
-              {Fill("editArtist All; buttonOK"), Yes(applyTags), Unsaved(QMessageBox::No)});
+        TELL(stops(__LINE__, "comboOrganizeBy 1; row 0 Batch Edit Tags", 0, "All",
+                   {Fill("editArtist All; buttonOK"), Yes(applyTags), Unsaved(QMessageBox::No)}));
         Open();
-        stops(__LINE__, "press 0; buttonOrganize", 9, "", {});
+        TELL(stops(__LINE__, "press 0; buttonOrganize", 9, "", {}));
         Open();
         DO("drop in/0.spx");
         const Answer leaves = [this](QWidget*) { Child<QAction>(*window, "actionExit")->trigger(); };

@@ -3,6 +3,8 @@
 #include "demo/Sandbox.h"
 #include "tests/Rows.h"
 
+#include <csignal>
+
 #define main StartProgram
 #include "app/main.cpp" // NOLINT(bugprone-suspicious-include): its main() is what is tested
 #undef main
@@ -54,6 +56,7 @@ private slots:
         char* arguments[] = {words[0].data(), words[1].data(), words.size() > 2 ? words[2].data() : nullptr};
         const int exitCode = StartProgram(static_cast<int>(words.size()), arguments);
         QVERIFY2(exitCode == 0, qPrintable(seen));
+        QVERIFY(std::signal(SIGXFSZ, SIG_DFL) == SIG_IGN); // or a limit on the size of files would end a run
     }
 };
 
