@@ -1,10 +1,10 @@
 #include "demo/AudioSamples.h"
 #include "files/CopyGroup.h"
+#include "files/EditedFile.h"
 #include "files/FailureLog.h"
 #include "files/FileNames.h"
 #include "files/TextFile.h"
 #include "processing/ProcessThread.h"
-#include "tags/PieceStream.h"
 #include "tags/TagManager.h"
 #include "tests/Rows.h"
 
@@ -12,9 +12,6 @@
 #include <QTemporaryDir>
 #include <QtEndian>
 #include <QtTest>
-
-#include <fileref.h>
-#include <tag.h>
 
 #include <sys/sendfile.h>
 #include <sys/stat.h>
@@ -204,32 +201,6 @@ private slots:
     {
         onCall = nullptr;
         QVERIFY2(std::exchange(happened, true), "the call is not made");
-    }
-
-    void piecesBecomeWhatTagLibWritesInPlace_data()
-    {
-        QTest::addColumn<QString>("name");
-        for (const QString& name : QDir(TEST_DATA_DIR).entryList({"full.*", "bare.*", "rich.*"}))
-            QTest::newRow(qPrintable(name)) << name;
-    }
-    void piecesBecomeWhatTagLibWritesInPlace()
-    {
-        QFETCH(QString, name);
-        const QString ours = PutSample(name, In("ours-" + name)), theirs = PutSample(name, In("theirs-" + name));
-        for (const int length : {4000, 3990, 40, 30000, 0}) { // moves the sound, fits, shrinks, and both again
-            const std::string title(static_cast<std::size_t>(length), 't');
-            PieceStream stream(ours);
-            stream.SetName(QFile::encodeName(ours));
-            TagLib::FileRef edited(&stream), inPlace(QFile::encodeName(theirs).constData());
-            for (TagLib::FileRef* const file : {&edited, &inPlace}) {
-                file->tag()->setTitle(title);
-                file->tag()->setYear(length ? 2000 : 0);
-                QVERIFY(file->save());
-            }
-            QCOMPARE(stream.File().Save([] { return true; }), EditedFile::Saved::Whole);
-            edited = inPlace = TagLib::FileRef();
-            QVERIFY2(Bytes(ours) == Bytes(theirs), qPrintable(QString("a title of %1").arg(length)));
-        }
     }
 
     void readErrorsHarmNothing()
