@@ -365,27 +365,27 @@ private slots:
     {
         QFETCH(quint32, seed);
         QRandomGenerator random(seed);
-        const bool keepsPlaces = random.bounded(2), isDamaged = random.bounded(20) == 0,
-                   isStopped = random.bounded(20) == 0;
-        QByteArray wanted(random.bounded(2) ? 3000 : 3 << 20, '\0');
+        const auto pick = [&random](qint64 limit) { return random.bounded(static_cast<int>(limit)); };
+        const bool keepsPlaces = pick(2), isDamaged = pick(20) == 0, isStopped = pick(20) == 0;
+        QByteArray wanted(pick(2) ? 3000 : 3 << 20, '\0');
         random.generate(wanted.begin(), wanted.end());
         const QByteArray before = wanted;
         PutBytes(In("b"), before);
         const quint64 inode = FactsOf(In("b"))->inode;
 
         EditedFile file(In("b"));
-        const auto replace = [&](int start, int count, const QByteArray& bytes) {
+        const auto replace = [&](qint64 start, int count, const QByteArray& bytes) {
             file.Replace(start, count, bytes);
-            wanted.replace(start, count, bytes);
+            wanted.replace(static_cast<int>(start), count, bytes);
         };
         for (int edit = 0; edit < 20; ++edit) { // most of them over each other
-            const int start = random.bounded(random.bounded(5) ? 200 : wanted.size() - 40), count = random.bounded(40);
-            replace(start, count, QByteArray(keepsPlaces ? count : random.bounded(40), static_cast<char>('a' + edit)));
-            const int at = random.bounded(wanted.size()), length = random.bounded(random.bounded(2) ? 100 : 100000);
+            const int start = pick(pick(5) ? 200 : wanted.size() - 40), count = pick(40);
+            replace(start, count, QByteArray(keepsPlaces ? count : pick(40), static_cast<char>('a' + edit)));
+            const int at = pick(wanted.size()), length = pick(pick(2) ? 100 : 100000);
             QVERIFY(file.Read(at, length) == wanted.mid(at, length));
         }
-        const int end = random.bounded(3); // which an edit may move, where nothing is behind it
-        replace(static_cast<int>(wanted.size()) - end, end, QByteArray(random.bounded(3), 'z'));
+        const int end = pick(3); // which an edit may move, where nothing is behind it
+        replace(wanted.size() - end, end, QByteArray(pick(3), 'z'));
         EditedFile::SKept last{-1, 0, 0};
         for (const EditedFile::SKept& kept : file.KeptRanges()) {
             const char* const bytes = before.constData() + kept.start;
@@ -396,8 +396,8 @@ private slots:
         const std::pair<qint64, qint64> beyond[] = {{file.Size() - 1, 2}, {file.Size() + 1, 0}, {-1, 1}, {1, -1}};
         if (isDamaged) // which leads a parser to such places
             file.Replace(beyond[seed % 4].first, beyond[seed % 4].second, "x");
-        const QString calls[] = {"fsync 1 EIO", "ftruncate 1 EIO", "pwrite %1 ENOSPC"};
-        onCall = At(QString(calls[seed % 3]).replace("%1", QString::number(random.bounded(40))));
+        const QString calls[] = {"fsync 1 EIO", "ftruncate 1 EIO", QString("pwrite %1 ENOSPC").arg(pick(40))};
+        onCall = At(calls[seed % 3]);
         const EditedFile::Saved saved = file.Save([&] { return !isStopped; });
         const bool isRefused = std::exchange(happened, true) || isDamaged || isStopped;
         QCOMPARE(saved, isRefused ? EditedFile::Saved::NotAtAll : EditedFile::Saved::Whole);
