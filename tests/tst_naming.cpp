@@ -7,7 +7,7 @@
 
 namespace
 {
-const SAudioFile song{"Ti.tle", "AC/DC", "Al:bum", "1999", "Rock?", "5", "/music/01.My.Song.MP3"};
+const SAudioFile song{"Ti.tle", "AC/DC", "[Title]", "1999", "Rock?", "5", "/music/01.My.Song.MP3"};
 const SAudioFile untagged{"", "", "", "0", "", "0", "/music/Intro.ogg"};
 
 QString Preview(const SAudioFile& file, const SRunSettings& settings)
@@ -23,9 +23,9 @@ class TestNaming : public QObject
 private slots:
     void layouts_data()
     {
-        const QString folders = "|AC DC|AC DC/Al bum|AC DC/1999|1999|1999/AC DC|1999/Rock|1999/Rock/AC DC|Rock|"
-                                "Rock/AC DC|Rock/AC DC/Al bum|Rock/AC DC/1999|Rock/1999|Rock/1999/AC DC|Al bum|"
-                                "Al bum/AC DC";
+        const QString folders = "|AC DC|AC DC/[Title]|AC DC/1999|1999|1999/AC DC|1999/Rock|1999/Rock/AC DC|Rock|"
+                                "Rock/AC DC|Rock/AC DC/[Title]|Rock/AC DC/1999|Rock/1999|Rock/1999/AC DC|[Title]|"
+                                "[Title]/AC DC";
         QList<QStringList> rows;
         for (const QString& folder : folders.split('|'))
             rows += {QString::number(rows.size()), folder};
@@ -47,34 +47,25 @@ private slots:
                  {"1 Title", "Ti tle", "", "Title"},
                  {"2 Artist-Title", "AC DC-Ti tle", "-", "Artist-Title"},
                  {"3 Artist-Title (Year)", "AC DC-Ti tle (1999)", "- (0)", "Artist-Title (Year)"},
-                 {"4 Artist-Title (Album)", "AC DC-Ti tle (Al bum)", "- ()", "Artist-Title (Album)"},
-                 {"5 Artist-Title (Album - Year)", "AC DC-Ti tle (Al bum - 1999)", "- ( - 0)",
+                 // Inserted values are not expanded again.
+                 {"4 Artist-Title (Album)", "AC DC-Ti tle ([Title])", "- ()", "Artist-Title (Album)"},
+                 {"5 Artist-Title (Album - Year)", "AC DC-Ti tle ([Title] - 1999)", "- ( - 0)",
                   "Artist-Title (Album - Year)"},
                  // A missing track shows as "0" even in the preview.
-                 {"6 Custom", "5 AC DC-Ti tle (Al bum, 1999, Rock )", "0 - (, 0, )",
-                  "0 Artist-Title (Album, Year, Genre)"}});
+                 {"6 [Track] [Artist]-[Title] ([Album], [Year], [Genre])", "5 AC DC-Ti tle ([Title], 1999, Rock )",
+                  "0 - (, 0, )", "0 Artist-Title (Album, Year, Genre)"},
+                 {"6 [Album]%1[", "[Title] 1[", " 1[", "Album 1["},
+                 {"6 [Artist", "[Artist", "[Artist", "[Artist"},
+                 {"6 [[Artist]", "[[Artist]", "[[Artist]", "[[Artist]"},
+                 {"6 [artist][Comment]", "[artist][Comment]", "[artist][Comment]", "[artist][Comment]"}});
     }
     void renames()
     {
-        SRunSettings settings;
-        settings.renameIndex = QByteArray(QTest::currentDataTag()).left(1).toInt();
+        const QString row = QTest::currentDataTag();
+        const SRunSettings settings{0, row.left(1).toInt(), row.mid(2), false, false, true, "", false};
         QTEST(BuildFileName(song, settings.renameIndex, settings.customRenameScheme), "name");
         QTEST(BuildFileName(untagged, settings.renameIndex, settings.customRenameScheme), "withoutTags");
         QTEST(BuildPreviewFileName(untagged, settings), "previewWithoutTags");
-    }
-
-    void schemes_data()
-    {
-        AddRows({"name"}, {{"[Track]. [Artist]-[Title] ([Genre])", "5. A-T (G)"},
-                           {"[Artist", "[Artist"},
-                           {"[[Artist]", "[[Artist]"},
-                           {"[artist][Comment]", "[artist][Comment]"},
-                           {"[Year]%1[", "[Album]%1["}}); // inserted values are not expanded again
-    }
-    void schemes()
-    {
-        const QString scheme = QTest::currentDataTag();
-        QTEST(GenerateFileNameFromRenameScheme(scheme, "A", "T", "", "[Album]", "G", "5"), "name");
     }
 
     void previewReplacesWordsAgain() // which a missing tag leaves in it
