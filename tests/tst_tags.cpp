@@ -4,6 +4,7 @@
 #include "tags/TagTextRules.h"
 #include "tests/Rows.h"
 
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtEndian>
 
@@ -284,6 +285,27 @@ private slots:
             QCOMPARE(tags.GetInfo(Tag::Title), title);
         QVERIFY(now.contains(bytes.left(4)));
         QCOMPARE(WhereMp4Points(now), WhereMp4Points(bytes));
+    }
+
+    void damagedFiles_data() { readsAndWritesEveryType_data(); }
+    void damagedFiles()
+    {
+        QFETCH(QString, extension);
+        QRandomGenerator random(20);
+        for (int i = 0; i < 500; ++i) {
+            QByteArray bytes = SampleBytes((i % 2 ? "full." : "bare.") + extension);
+            if (random.bounded(3) == 0)
+                bytes.truncate(1 + random.bounded(static_cast<int>(bytes.size())));
+            for (int flip = random.bounded(12); flip > 0; --flip) {
+                const int at = random.bounded(static_cast<int>(bytes.size()));
+                bytes[at] = static_cast<char>(bytes.at(at) ^ (1 << random.bounded(8)));
+            }
+            const SAudioFile file{"T", "A", "L", "1968", "Folk", "3", In("x." + extension)};
+            PutBytes(file.Path, bytes);
+            tags.WriteFile(file);
+            const QString now = Texts(tags.ReadFile(file.Path));
+            QVERIFY2(now == Texts(file) || Bytes(file.Path) == bytes, qPrintable(QString("try %1").arg(i)));
+        }
     }
 
     void stopsWhenToldTo()
