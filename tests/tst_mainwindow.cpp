@@ -229,6 +229,7 @@ private slots:
     {
         window.reset();
         outside.reset();
+        QVERIFY(!QApplication::overrideCursor());
         QCOMPARE(Sandbox::TakeWarnings(), QStringList()); // a slot that is bound to nothing shows only so
     }
 
@@ -263,6 +264,7 @@ private slots:
         STEP("buttonAdd Folder", {Files("Select folder", {}, "Music")}, "");
         STEP("buttonAdd Folder", {Files("Select folder", "lib", "Music")},
              folder + "; [AddFolderPath]=~/lib; Updating 25% 50% 75%");
+        STEP("buttonAdd Folder with Subfolders", {Files("Select folder", {}, "lib")}, "");
         STEP("buttonAdd Folder with Subfolders", {Files("Select folder", "lib", "lib")},
              all + "; Updating 16% 33% 50% 66% 83%");
         STEP("buttonAdd File(s)", {Files(files, "lib/notes.txt|lib/b.mp3|other/f.spx|other/f.spx", "Music")},

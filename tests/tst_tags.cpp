@@ -73,12 +73,16 @@ QByteArray LongMp4()
 /// What an mp4 file has in the places where it says that its sound, or a fragment with sound, is.
 QByteArrayList WhereMp4Points(const QByteArray& file)
 {
-    const std::pair<const char*, int> numbers[] = {
-        {"stco", 12}, {"co64", 16}, {"tfhd", 16}, {"tfra", 32}, {"tfra", 51}};
+    struct
+    {
+        const char* name;
+        int number, base; ///< distances from the name; without a base, from the beginning of the file
+    } const places[] = {{"stco", 12, 0}, {"co64", 16, 0}, {"tfhd", 16, 0},
+                        {"tfra", 32, 0}, {"tfra", 51, 0}, {"sidx", 20, 28}};
     QByteArrayList found;
-    for (const auto& [name, distance] : numbers) {
+    for (const auto& [name, number, base] : places) {
         for (auto at = file.indexOf(name); at >= 0; at = file.indexOf(name, at + 1))
-            found += file.mid(qFromBigEndian<qint32>(file.constData() + at + distance), 9);
+            found += file.mid((base ? at + base : 0) + qFromBigEndian<qint32>(file.constData() + at + number), 9);
     }
     return found;
 }
@@ -233,9 +237,11 @@ private slots:
         add("mp4, in fragments", SampleBytes("odd-fragments.mp4"), true);
         add("mp4, zeros end the user data", QuickTimeMp4(), true);
         add("mp4, long numbers", LongMp4(), true);
-        const QByteArray index =
-            Atom("sidx", Number(0) + Number(1) + Number(8000) + Number(0) + Number(900) + Number(1));
-        add("mp4, an offset from where it stands", QuickTimeMp4(index), true);
+        const auto index = [](int offset) {
+            return Atom("sidx", Number(0) + Number(1) + Number(8000) + Number(0) + Number(offset) + Number(1));
+        };
+        add("mp4, an offset from where it stands", QuickTimeMp4(index(900)), true);
+        add("mp4, an offset to nowhere", QuickTimeMp4(index(90000)), true);
         add("mp4, moov to the end", Damaged("bare.mp4", "moov", -4, 0), false);
         add("mp4, offsets of another kind", QuickTimeMp4() + Atom("meta", Number(0) + Atom("iloc", "")), false);
         add("mp4, a bit of a count", Damaged("bare.mp4", "stco", 8, 1 + (1 << 5)), false, unreadable);
