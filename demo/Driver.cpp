@@ -139,6 +139,9 @@ QStringList Visible(const QWidget& window)
 {
     static const QRegularExpression names("^(button|check|combo|edit|list|progress|radio|text)[A-Z]|Label$");
     QStringList seen{"title=" + window.windowTitle() + (window.isVisible() ? "" : " (closed)"), Ring(window)};
+    const auto* const edit = qobject_cast<QLineEdit*>(window.focusWidget());
+    if (edit && qobject_cast<const QDialog*>(&window))
+        seen += "focus=" + edit->objectName() + '|' + edit->selectedText();
     if (QToolTip::isVisible())
         seen += "tip=" + QToolTip::text();
     for (auto* const widget : window.findChildren<QWidget*>()) {

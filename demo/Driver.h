@@ -59,8 +59,8 @@ void DropOn(QWidget& window, const QStringList& paths);
 QString Ring(const QWidget& window);
 /// What @p window shows, as "name=value": every control's value, with "(off)" when it takes no input; its Ring(); "cut"
 /// and "unreadable" captions, for the eye and for a screen reader; group boxes that lie "across" each other; the "tip"
-/// at the pointer. "~" is the home folder, "|" ends a line, and ">" stands before a selected row:
-/// "listAudioFiles=>~/in/1.mp3|~/in/2.mp3 (off)".
+/// at the pointer; the line edit that has the "focus" in a dialog, and what is selected in it. "~" is the home folder,
+/// "|" ends a line, and ">" stands before a selected row: "listAudioFiles=>~/in/1.mp3|~/in/2.mp3 (off)".
 QStringList Visible(const QWidget& window);
 /// The paths that @p text names, separated by "|"; relative ones are in the home folder.
 QStringList Paths(const QString& text);
