@@ -7,7 +7,7 @@
 
 namespace
 {
-const SAudioFile song{"Ti.tle", "AC/DC", "[Title]", "1999", "Rock?", "5", "/music/01.My.Song.MP3"};
+const SAudioFile song{"Ti.tle", "AC/DC", "[Track]", "1999", "Rock?", "5", "/music/01.My.Song.MP3"};
 const SAudioFile untagged{"", "", "", "0", "", "0", "/music/Intro.ogg"};
 
 QString Preview(const SAudioFile& file, const SRunSettings& settings)
@@ -23,9 +23,9 @@ class TestNaming : public QObject
 private slots:
     void layouts_data()
     {
-        const QString folders = "|AC DC|AC DC/[Title]|AC DC/1999|1999|1999/AC DC|1999/Rock|1999/Rock/AC DC|Rock|"
-                                "Rock/AC DC|Rock/AC DC/[Title]|Rock/AC DC/1999|Rock/1999|Rock/1999/AC DC|[Title]|"
-                                "[Title]/AC DC";
+        const QString folders = "|AC DC|AC DC/[Track]|AC DC/1999|1999|1999/AC DC|1999/Rock|1999/Rock/AC DC|Rock|"
+                                "Rock/AC DC|Rock/AC DC/[Track]|Rock/AC DC/1999|Rock/1999|Rock/1999/AC DC|[Track]|"
+                                "[Track]/AC DC";
         QList<QStringList> rows;
         for (const QString& folder : folders.split('|'))
             rows += {QString::number(rows.size()), folder};
@@ -48,13 +48,13 @@ private slots:
                  {"2 Artist-Title", "AC DC-Ti tle", "-", "Artist-Title"},
                  {"3 Artist-Title (Year)", "AC DC-Ti tle (1999)", "- (0)", "Artist-Title (Year)"},
                  // Inserted values are not expanded again.
-                 {"4 Artist-Title (Album)", "AC DC-Ti tle ([Title])", "- ()", "Artist-Title (Album)"},
-                 {"5 Artist-Title (Album - Year)", "AC DC-Ti tle ([Title] - 1999)", "- ( - 0)",
+                 {"4 Artist-Title (Album)", "AC DC-Ti tle ([Track])", "- ()", "Artist-Title (Album)"},
+                 {"5 Artist-Title (Album - Year)", "AC DC-Ti tle ([Track] - 1999)", "- ( - 0)",
                   "Artist-Title (Album - Year)"},
                  // A missing track shows as "0" even in the preview.
-                 {"6 [Track] [Artist]-[Title] ([Album], [Year], [Genre])", "5 AC DC-Ti tle ([Title], 1999, Rock )",
+                 {"6 [Track] [Artist]-[Title] ([Album], [Year], [Genre])", "5 AC DC-Ti tle ([Track], 1999, Rock )",
                   "0 - (, 0, )", "0 Artist-Title (Album, Year, Genre)"},
-                 {"6 [Album]%1[", "[Title] 1[", " 1[", "Album 1["},
+                 {"6 [Album]%1[", "[Track] 1[", " 1[", "Album 1["},
                  {"6 [Artist", "[Artist", "[Artist", "[Artist"},
                  {"6 [[Artist]", "[[Artist]", "[[Artist]", "[[Artist]"},
                  {"6 [artist][Comment]", "[artist][Comment]", "[artist][Comment]", "[artist][Comment]"}});

@@ -215,6 +215,7 @@ private slots:
         AfterFile(1, [this] { QDir().mkpath(In("later/L")); }); // what a link leads to may be mounted in mid-run
         Organise("2 0 out abort delete");
         QCOMPARE(Left(), QString("failed: 2|3|4, left: 2|3|4|out/A/L/1"));
+        QVERIFY(QDir(In("out-old")).isEmpty());
     }
 };
 
