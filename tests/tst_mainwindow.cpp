@@ -407,7 +407,8 @@ private slots:
     void keepsSettingsInProfiles()
     {
         const QString folder = "Documents/Orvanto/Profiles", profile = "Documents/my.set.ovp";
-        STEP("actionNew", {}, "[OutputFolderPath]=~/Music");
+        Child<QProgressBar>(*window, "progressOrganize")->setValue(50);
+        STEP("actionNew", {}, "[OutputFolderPath]=~/Music; progressOrganize=0% (off)");
         STEP("wheel comboRename", {}, ""); // without the focus, the wheel was meant for something else
         STEP("focus comboRename; wheel comboRename", {}, "title=Orvanto*; comboRename=Artist-Title (Year)");
         Put("full.mp3", "x/1.mp3");
@@ -435,8 +436,8 @@ private slots:
         change(__LINE__, "editOutputFolder C:\\a=b\\",
                "editOutputFolder=C:\\a=b\\; [OutputFolderPath]=C:/a=b/; editOutputPreview=C:/a=b/G/A/L/T [x].mp3");
         QApplication::clipboard()->setText("/p\r\n/q\n");
-        change(__LINE__, "focus editOutputFolder; keys Ctrl+A Ctrl+V",
-               "editOutputFolder=/p/q; [OutputFolderPath]=/p/q; editOutputPreview=/p/q/G/A/L/T [x].mp3");
+        change(__LINE__, "focus editOutputFolder; keys Ctrl+A Ctrl+V Home Ctrl+V Backspace",
+               "editOutputFolder=/p//p/q; [OutputFolderPath]=/p//p/q; editOutputPreview=/p/p/q/G/A/L/T [x].mp3");
         change(__LINE__, "buttonBrowseOutFold",
                "editOutputFolder=~/x; [OutputFolderPath]=~/x; editOutputPreview=~/x/G/A/L/T [x].mp3",
                {Files("Select folder", "x")});

@@ -133,7 +133,6 @@ private slots:
                  {"no such name", "0 7 out delete", "x|y", "x|y|out/", "", "", "1 2"},
                  {"nothing left of names", "1 1 out delete", "1;Title=?|2;Title=...|3;Title=***", "1|2|3|out/A/", "",
                   "", "1 2 3"},
-                 {"in place, in other words", "0 0 in/../in/. delete", "x", "x"},
                  {"in place, by way of a link", "0 0 link delete", "x", "x"},
                  {"in place, empty level", "14 0 in delete", "x;Album=...", "x"},
                  {"in place, other name", "0 1 in delete", "x", "T"},
