@@ -266,6 +266,7 @@ private slots:
                  {"moves-664 fchown each EPERM", kept, "Operation not permitted"}, // the group may do more
                  // The first two readings are those of the tags, to the end.
                  {"fits pread 3 a.mp3 is edited", "a.mp3* by Somebody, Title with fits"},
+                 {"fits pread 3 a.mp3 goes", "fails"},
                  {"moves fsync 1 a.mp3 is edited", "a.mp3* by Somebody, mmmmmmmmmmmmmmm"},
                  {"copy fsync 1 a.mp3 is edited", "fails a.mp3* by Somebody, Title with room",
                   "Another program has changed it meanwhile"},

@@ -7,7 +7,7 @@
 
 namespace
 {
-const SAudioFile song{"Ti.tle", "AC/DC", "[Track]", "1999", "Rock?", "5", "/music/01.My.Song.MP3"};
+const SAudioFile song{" Ti.tle", "AC/DC", "[Track]", "1999", "Rock?", "5", "/music/01.My.Song.MP3"};
 const SAudioFile untagged{"", "", "", "0", "", "0", "/music/Intro.ogg"};
 
 QString Preview(const SAudioFile& file, const SRunSettings& settings)
@@ -37,22 +37,22 @@ private slots:
         const int organizeBy = QByteArray(QTest::currentDataTag()).toInt();
         QCOMPARE(BuildFolderPath("/out", FolderTags(song, organizeBy)).mid(5), folder);
         QCOMPARE(Preview(song, {organizeBy, 2, {}, false, false, true, "/out/", false}),
-                 QDir::cleanPath("/out/" + folder + "/AC DC-Ti tle.mp3"));
+                 QDir::cleanPath("/out/" + folder + "/AC DC- Ti tle.mp3"));
     }
 
     void renames_data()
     {
         AddRows({"name", "withoutTags", "previewWithoutTags"},
                 {{"0 Original name", "01 My Song", "Intro", "Intro"},
-                 {"1 Title", "Ti tle", "", "Title"},
-                 {"2 Artist-Title", "AC DC-Ti tle", "-", "Artist-Title"},
-                 {"3 Artist-Title (Year)", "AC DC-Ti tle (1999)", "- (0)", "Artist-Title (Year)"},
+                 {"1 Title", " Ti tle", "", "Title"},
+                 {"2 Artist-Title", "AC DC- Ti tle", "-", "Artist-Title"},
+                 {"3 Artist-Title (Year)", "AC DC- Ti tle (1999)", "- (0)", "Artist-Title (Year)"},
                  // Inserted values are not expanded again.
-                 {"4 Artist-Title (Album)", "AC DC-Ti tle ([Track])", "- ()", "Artist-Title (Album)"},
-                 {"5 Artist-Title (Album - Year)", "AC DC-Ti tle ([Track] - 1999)", "- ( - 0)",
+                 {"4 Artist-Title (Album)", "AC DC- Ti tle ([Track])", "- ()", "Artist-Title (Album)"},
+                 {"5 Artist-Title (Album - Year)", "AC DC- Ti tle ([Track] - 1999)", "- ( - 0)",
                   "Artist-Title (Album - Year)"},
                  // A missing track shows as "0" even in the preview.
-                 {"6 [Track] [Artist]-[Title] ([Album], [Year], [Genre])", "5 AC DC-Ti tle ([Track], 1999, Rock )",
+                 {"6 [Track] [Artist]-[Title] ([Album], [Year], [Genre])", "5 AC DC- Ti tle ([Track], 1999, Rock )",
                   "0 - (, 0, )", "0 Artist-Title (Album, Year, Genre)"},
                  {"6 [Album]%1[", "[Track] 1[", " 1[", "Album 1["},
                  {"6 [Artist", "[Artist", "[Artist", "[Artist"},

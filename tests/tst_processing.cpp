@@ -127,7 +127,7 @@ private slots:
                   "1|2|3|out/G/A/L/T|out/G/A/M/T|out/G/A/Unknown/T", "", "2", "1 2 3"},
                  {"no top folder Unknown", "14 0 out", "1;Album=Unknown.|2", "1|2|out/L/2", "1", "", "1 2"},
                  {"one level makes one folder", "1 1 new/out delete", "x", "x", "x"},
-                 {"two levels make all", "2 1 new/out delete", "x", "new/out/A/L/T"},
+                 {"two levels make all", "2 1 new/out delete", "x;Album=Last Year", "new/out/A/Last Year/T"},
                  {"first come, first served", "0 1 out delete", "x|y", "out/T", "", "", "1 2"},
                  {"no such layout", "16 1 out delete", "x", "x", "", "", "-"},
                  {"no such name", "0 7 out delete", "x|y", "x|y|out/", "", "", "1 2"},
