@@ -531,14 +531,6 @@ private slots:
         for (const char* const name : {"link", "chain", "dangling"})
             QVERIFY2(QFileInfo(In(name)).isSymLink(), name);
     }
-
-    void pathsOfOneFile()
-    {
-        const QString one = PutSample("bare.mp3", In("É/ann.mp3")),
-                      other = PutSample("full.mp3", In("e\u0301/Ann.mp3"));
-        QVERIFY(IsSameFile(one, other));
-        QVERIFY(!IsSameFile(one, In("a.mp3")));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestFiles)

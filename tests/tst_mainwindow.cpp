@@ -183,6 +183,8 @@ private:
         auto* const once = new QObject(window.get());
         const auto type = [=] {
             delete once;
+            QKeyEvent held(QEvent::KeyPress, Qt::Key_Escape, {}, QString(), true); // since before the run: asks nothing
+            QApplication::sendEvent(bar, &held);
             QTest::keyClick(bar, Qt::Key_Escape);
             if (closed)
                 *closed = true;
