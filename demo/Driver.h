@@ -27,13 +27,13 @@ bool DemandSame(const char* what, const Seen& seen, const Expected& expected)
     return Demand(seen == expected, words);
 }
 
-/// The child of @p parent with this object name; ends the program with a message when there is none.
+/// The child of @p parent with this object name; fails the test and ends the program when there is none.
 template <class Widget>
 Widget* Child(const QObject& parent, const char* name)
 {
     auto* const child = parent.findChild<Widget*>(QString::fromLatin1(name));
-    if (!child)
-        qFatal("no %s named %s", Widget::staticMetaObject.className(), name);
+    if (!Demand(child, QString("no %1 named %2").arg(Widget::staticMetaObject.className(), name)))
+        qFatal("There is nothing to go on with.");
     return child;
 }
 
