@@ -87,9 +87,10 @@ QString Name(QWidget* widget)
 /// dialogs elsewhere.
 bool IsInTheMiddle(const QWidget& dialog)
 {
+    constexpr int most = 60; // pixels; for a window's child, Qt leaves room for a frame, of which it guesses the size
     const QPoint off = dialog.windowHandle()->transientParent()->geometry().center() - dialog.geometry().center();
     const bool hasRoom = dialog.screen()->availableGeometry().contains(dialog.geometry().translated(off));
-    return dialog.inherits("QFileDialog") || !hasRoom || off.manhattanLength() < 30;
+    return dialog.inherits("QFileDialog") || !hasRoom || off.manhattanLength() < most;
 }
 
 /// Turns the wheel by one notch, towards the user.
