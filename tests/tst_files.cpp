@@ -81,7 +81,8 @@ extern "C" int open(const char* name, int flags, ...)
 {
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = flags & O_CREAT ? va_arg(arguments, mode_t) : 0;
+    const bool makesFile = flags & O_CREAT || (flags & O_TMPFILE) == O_TMPFILE;
+    const mode_t mode = makesFile ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     const char* const call = !(flags & O_CLOEXEC) ? "leak"
                              : flags & O_EXCL     ? "create"
